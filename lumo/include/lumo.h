@@ -243,7 +243,7 @@ LumoReturn lumoGpuGetTemperature(LumoGpu *gpu, int *temperature);
 LumoReturn lumoMemoryGetTotal(LumoMemory *memory, unsigned long long *total);
 LumoReturn lumoMemoryGetUsed(LumoMemory *memory, unsigned long long *used);
 
-/** Inline ECC now and after the next reset, 0 off and 1 on; `pending` may be null. */
+/** Inline ECC now and after the next reset, 0 off and 1 on. */
 LumoReturn lumoMemoryGetEccMode(LumoMemory *memory, unsigned *current, unsigned *pending);
 
 #ifdef __cplusplus

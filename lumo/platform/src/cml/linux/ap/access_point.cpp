@@ -1,0 +1,223 @@
+#include "linux/ap/access_point.h"
+
+#include <array>
+#include <cstdio>
+
+#include "common/efuse/efuse.h"
+#include "kelp_log.h"
+#include "linux/access_os.h"
+#include "linux/ap/device_uuid.h"
+#include "linux/pci_access.h"
+#include "pci_sbdf.h"
+
+namespace kelp::linux_ {
+namespace {
+
+// Where the chip's identity may lie; the driver moves the window to its own bank.
+constexpr QueryEfuseDataParam kIdentityBits{.startBit = 2048, .bitCount = 1024};
+
+/// Lowest firmware that the driver of a family is known to work with; no row, no check.
+struct LowestFirmware {
+  DevArch arch;
+  unsigned int version;
+};
+constexpr std::array kLowestFirmware{
+    LowestFirmware{DevArch::kWold, 703},
+    LowestFirmware{DevArch::kFen1, 20001},
+    LowestFirmware{DevArch::kFen2, 20001},
+    LowestFirmware{DevArch::kTor1, 0},
+};
+
+template <class State>
+unsigned number(State state) {
+  return static_cast<unsigned>(state);
+}
+
+}  // namespace
+
+AccessPoint::~AccessPoint() = default;
+
+std::string AccessPoint::miscName() const { return "ovgpu." + std::to_string(cuid_.intId); }
+
+Done AccessPoint::init() {
+  if (devDesc_.ok()) {
+    return 0;
+  }
+  if (auto done = initMiscContext(); !done.ok()) {
+    return done;
+  }
+  if (auto done = initRenderContext(); !done.ok()) {
+    miscContext_.reset();
+    devDesc_ = {};
+    return done;
+  }
+  if (cuid_.type != DevType::kGuest) {
+    // Old firmware is worth a line in the log, never a refusal.
+    static_cast<void>(checkFwVersion());
+  }
+  return 0;
+}
+
+Done AccessPoint::initMiscContext() {
+  miscContext_.reset();
+  auto context = std::make_unique<MiscMkisProvider>(miscName());
+  KelpReturn state = toKelpReturn(context->init().state());
+  if (state == KelpReturn::kSuccess) {
+    state = context->postInit().state();
+  }
+  if (state != KelpReturn::kSuccess) {
+    KELP_LOG(kError) << "misc context init failed, state = " << number(state);
+    return state;
+  }
+  context->setArch(cuid_.arch);
+
+  auto desc = describe(*context);
+  if (!desc.ok()) {
+    return desc.state();
+  }
+  DevDesc described = desc.take();
+  // A guest's GPU has no identity of its own.
+  if (described.uuid.empty() && cuid_.type != DevType::kGuest) {
+    auto uuid = makeUuid(*context, described);
+    if (!uuid.ok()) {
+      return uuid.state();
+    }
+    described.uuid = uuid.take();
+  }
+  devDesc_ = std::move(described);
+  miscContext_ = std::move(context);
+  return 0;
+}
+
+Stated<DevDesc> AccessPoint::describe(MiscMkisProvider& context) const {
+  const auto intf = context.getIntf<MiscMkisIntfName::kQueryDevDesc>();
+  if (!intf.ok()) {
+    KELP_LOG(kError) << "get description failed, state = " << number(intf.state());
+  } else if (intf.value().operation) {
+    if (auto desc = intf.value().operation(); desc.ok()) {
+      return desc;
+    }
+  }
+  KELP_LOG(kWarn) << "Failed to query device desc from kmd, next to get info from os instead";
+  auto desc = AccessOs::getDeviceDescFromOs(miscName());
+  if (!desc.ok()) {
+    KELP_LOG(kError) << "query device desc from os failed.";
+  }
+  return desc;
+}
+
+Stated<std::string> AccessPoint::makeUuid(MiscMkisProvider& context, const DevDesc& desc) const {
+  const auto efuse = queryEfuse(context);
+  if (!efuse.ok()) {
+    KELP_LOG(kError) << "get efuse failed";
+    // A chip family or a driver that delivers no efuse has a uuid all the same.
+    if (efuse.state() != KelpReturn::kNotSupported) {
+      return efuse.state();
+    }
+  }
+  const u64 chip = efuse.ok() ? chipValue(efuse.value()) : 0;
+  if (chip == 0) {
+    return uuidOfNode(cuid_.intId);
+  }
+  if (cuid_.type != DevType::kMpcInstance) {
+    return uuidOfChip(chip);
+  }
+  const auto profile = forward(&context, QueryMpcProfCmd());
+  if (!profile.ok()) {
+    return profile.state();
+  }
+  return uuidOfInstance(chip, profile.value().id, desc.parentMiscId);
+}
+
+Done AccessPoint::initRenderContext() {
+  renderContext_.reset();
+  const auto vpuEnabled = AccessOs::isVpuEnable();
+  const Stated<std::string>& path = devDesc_.value().renderPath;
+  if (cuid_.type == DevType::kMpcParent || !vpuEnabled.ok() || !vpuEnabled.value() || !path.ok()) {
+    KELP_LOG(kInfo) << "not init render context, device type is " << number(cuid_.type) << " vpu enable state is "
+                    << number(vpuEnabled.state()) << " vpu enable value is " << vpuEnabled.value();
+    return 0;
+  }
+  const std::string nodeName = path.value().substr(path.value().rfind('/') + 1);
+  auto context = std::make_unique<RenderMkisProvider>(nodeName, cuid_.arch);
+  if (const KelpReturn state = toKelpReturn(context->init().state()); state != KelpReturn::kSuccess) {
+    KELP_LOG(kError) << "render context init failed, state = " << number(state);
+    return state;
+  }
+  if (const auto done = context->postInit(); !done.ok()) {
+    // Without its cores the video engine answers "not supported"; the rest of the device works.
+    KELP_LOG(kError) << "render context init failed, state = " << number(done.state());
+    return 0;
+  }
+  renderContext_ = std::move(context);
+  return 0;
+}
+
+Done AccessPoint::checkFwVersion() {
+  const std::string& path = devDesc_.value().miscPath.value();
+  const unsigned arch = number(cuid_.arch);
+  const auto versions = doExec(QuerySmcFwVersionCmd());
+  if (!versions.ok()) {
+    KELP_LOG(kError) << path << " read fw version failed, state = " << number(versions.state());
+    return KelpReturn::kFailure;
+  }
+  const auto rtos = versions.value().find("rtos");
+  if (rtos == versions.value().end() || !rtos->second.ok()) {
+    KELP_LOG(kError) << path << "get rtos version failed";
+    return KelpReturn::kFailure;
+  }
+  for (const LowestFirmware& row : kLowestFirmware) {
+    if (row.arch != cuid_.arch) {
+      continue;
+    }
+    if (rtos->second.value() < row.version) {
+      KELP_LOG(kWarn) << path << " arch is " << arch << "rtos version is " << rtos->second.value()
+                      << " fw version is out-of-date, please update ovbios!";
+    }
+    return 0;
+  }
+  KELP_LOG(kError) << path << " arch is " << arch << " not supported. Fw version cannot be validated!";
+  return KelpReturn::kFailure;
+}
+
+Stated<PcieInfo> AccessPoint::doExec(const QueryPcieInfoCmd& /*cmd*/) {
+  auto info = forward(miscContext_.get(), QueryPciConfigDataCmd());
+  if (info.ok()) {
+    return info;
+  }
+  KELP_LOG(kError) << "get pci info from kmd error. error state is " << number(info.state());
+  const std::string sbdf = AccessOs::getPciBdfFromSysfs(miscName());
+  if (sbdf.empty()) {
+    return KelpReturn::kFailure;
+  }
+  return readPcieInfoFromSysfs(sbdf);
+}
+
+Stated<Efuse> AccessPoint::queryEfuse(MiscMkisProvider& context) const {
+  const auto data = forward(&context, QueryEfuseDataCmd(kIdentityBits));
+  if (!data.ok()) {
+    return data.state();
+  }
+  return decodeEfuse(cuid_.arch, data.value());
+}
+
+Stated<Efuse> AccessPoint::doExec(const QueryEfuseCmd& /*cmd*/) {
+  if (miscContext_ == nullptr) {
+    return KelpReturn::kNotSupported;
+  }
+  return queryEfuse(*miscContext_);
+}
+
+Stated<unsigned long> AccessPoint::doExec(const QueryMpcParentCmd& cmd) {
+  const auto parentMiscId = forward(miscContext_.get(), cmd);
+  if (!parentMiscId.ok()) {
+    return parentMiscId;
+  }
+  const std::string sbdf = AccessOs::getPciBdfFromSysfs("ovgpu." + std::to_string(parentMiscId.value()));
+  if (sbdf.empty()) {
+    return KelpReturn::kNotFound;
+  }
+  return static_cast<unsigned long>(pciSbdfToUint64(sbdf));
+}
+
+}  // namespace kelp::linux_

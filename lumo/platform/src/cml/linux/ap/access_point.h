@@ -1,0 +1,75 @@
+#pragma once
+
+#include <memory>
+#include <type_traits>
+
+#include "access_point_base.h"
+#include "commands.h"
+#include "linux/ap/misc/misc_mkis_provider.h"
+#include "linux/ap/render/render_mkis_provider.h"
+
+namespace kelp::linux_ {
+
+/// The door to one device's nodes: what was negotiated on its misc node and, where there is a video
+/// engine, on its render node, and the device's description. A query arrives as a command and is sent
+/// in the version that is agreed on at that moment.
+///
+/// Owned by the device's core model and used under the device model's locks.
+class AccessPoint : public AccessPointBase {
+ public:
+  explicit AccessPoint(const DevCuid& cuid) : cuid_(cuid) {}
+  ~AccessPoint() override;
+
+  const DevCuid& getCuid() const override { return cuid_; }
+  const Stated<DevDesc>& getDevDesc() const override { return devDesc_; }
+  Done init() override;
+
+  /// A command that is one call of one interface. State 6 without the context of its node.
+  template <class Cmd>
+  Stated<typename Cmd::Result> doExec(const Cmd& cmd) {
+    using Name = std::remove_const_t<decltype(IntfOf<Cmd>::kName)>;
+    if constexpr (std::is_same_v<Name, MiscMkisIntfName>) {
+      return forward(miscContext_.get(), cmd);
+    } else {
+      return forward(renderContext_.get(), cmd);
+    }
+  }
+
+  // Commands that do more than forward.
+  Stated<PcieInfo> doExec(const QueryPcieInfoCmd& cmd);
+  Stated<Efuse> doExec(const QueryEfuseCmd& cmd);
+  /// The driver names the parent by its node; the result is that node's packed PCI address.
+  Stated<unsigned long> doExec(const QueryMpcParentCmd& cmd);
+
+ private:
+  template <class Provider, class Cmd>
+  static Stated<typename Cmd::Result> forward(Provider* context, const Cmd& cmd) {
+    if (context == nullptr) {
+      return KelpReturn::kNotSupported;
+    }
+    const auto intf = context->template getIntf<IntfOf<Cmd>::kName>();
+    if (!intf.ok()) {
+      return toKelpReturn(intf.state());
+    }
+    if (!intf.value().operation) {
+      return KelpReturn::kFailure;
+    }
+    return std::apply(intf.value().operation, cmd.params);
+  }
+
+  Done initMiscContext();
+  Done initRenderContext();
+  Done checkFwVersion();
+
+  std::string miscName() const;
+  Stated<DevDesc> describe(MiscMkisProvider& context) const;
+  Stated<std::string> makeUuid(MiscMkisProvider& context, const DevDesc& desc) const;
+  Stated<Efuse> queryEfuse(MiscMkisProvider& context) const;
+
+  DevCuid cuid_;
+  Stated<DevDesc> devDesc_;
+  std::unique_ptr<MiscMkisProvider> miscContext_;
+  std::unique_ptr<RenderMkisProvider> renderContext_;
+};
+
+}  // namespace kelp::linux_
