@@ -11,7 +11,7 @@
 namespace kelp {
 
 /// Hands each line to a function of the library's caller. The message ends in a NUL.
-class LogToCallBack : public rusk::LogTarget {
+class LogToCallBack final : public rusk::LogTarget {
  public:
   using CallBack = void (*)(const char* message, unsigned length);
 
