@@ -3,6 +3,7 @@
 #include "common/mkis/intf_names.h"
 #include "common/mkis/mkis_intf.h"
 #include "common/mkis/mkis_provider.h"
+#include "dev_cuid.h"
 #include "linux/ap/node_file.h"
 
 namespace kelp::linux_ {

@@ -20,6 +20,9 @@ constexpr std::array kDefaultList{100000, 100001, 100002, 100003, 100004};
 
 }  // namespace
 
+RenderMkisProvider::RenderMkisProvider(std::string nodeName, DevArch arch)
+    : nodeName_(std::move(nodeName)), arch_(arch) {}
+
 RenderMkisProvider::~RenderMkisProvider() = default;
 
 MkisStated<int> RenderMkisProvider::init() {

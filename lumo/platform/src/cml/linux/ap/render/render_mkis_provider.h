@@ -14,7 +14,7 @@ class RenderKernelAccessor;
 class RenderMkisProvider : public MkisProvider<RenderMkisProvider, RenderMkisIntfName> {
  public:
   /// `nodeName` is "renderDN"; `arch` decides the cores of a driver that can't be asked for them.
-  RenderMkisProvider(std::string nodeName, DevArch arch) : nodeName_(std::move(nodeName)), arch_(arch) {}
+  RenderMkisProvider(std::string nodeName, DevArch arch);
   ~RenderMkisProvider() override;
 
   MkisStated<int> init() override;

@@ -105,7 +105,7 @@ MkisStated<RemoteList> MiscKernelAccessorV1::mkisList(const MkisProbe& /*probe*/
     KELP_LOG(kInfo) << "remote interface list index " << i << " name id is " << u16{entry.name}
                     << " version range is [" << unsigned{entry.minVersion} << "-" << unsigned{entry.maxVersion}
                     << "]";
-    list.emplace(entry.name, VersionRange{entry.minVersion, entry.maxVersion});
+    list.emplace(int{entry.name}, VersionRange{entry.minVersion, entry.maxVersion});
   }
   return list;
 }
