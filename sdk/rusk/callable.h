@@ -14,24 +14,27 @@ class Callable;
 
 template <class Signature>
 class Callable<std::function<Signature>> {
+  using Function = std::function<Signature>;
+
+  template <class Other>
+  static constexpr bool kBinds =
+      !std::derived_from<std::remove_cvref_t<Other>, Callable> && std::constructible_from<Function, Other>;
+
  public:
   Callable() = default;
 
-  template <class Function>
-  requires(!std::derived_from<std::remove_cvref_t<Function>, Callable> &&
-           std::constructible_from<std::function<Signature>, Function>) Callable(Function&& function)
-      : function_(std::forward<Function>(function)) {}
+  template <class Other, class = std::enable_if_t<kBinds<Other>>>
+  Callable(Other&& function) : function_(std::forward<Other>(function)) {}
 
   explicit operator bool() const { return static_cast<bool>(function_); }
 
   template <class... Arguments>
-  requires std::invocable < const std::function<Signature>
-  &, Arguments... > decltype(auto) operator()(Arguments&&... arguments) const {
+  auto operator()(Arguments&&... arguments) const -> std::invoke_result_t<const Function&, Arguments...> {
     return function_(std::forward<Arguments>(arguments)...);
   }
 
  private:
-  std::function<Signature> function_;
+  Function function_;
 };
 
 template <class Result, class... Parameters>
