@@ -1,0 +1,13 @@
+#pragma once
+
+#include "objects/family_ids.h"
+#include "objects/gpu_feat_obj.h"
+
+namespace kelp {
+
+class Fen1GpuFeatObj : public GpuFeatObj {
+ public:
+  explicit Fen1GpuFeatObj(const std::shared_ptr<CoreModel>& model) : GpuFeatObj(model, ids::kFenSensors) {}
+};
+
+}  // namespace kelp

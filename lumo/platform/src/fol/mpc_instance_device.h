@@ -1,0 +1,17 @@
+#pragma once
+
+#include "device_object.h"
+
+namespace kelp {
+
+/// One part of a GPU that is divided by MPC.
+class MpcInstanceDevice : public DeviceObj {
+ public:
+  MpcInstanceDevice(const DevCuid& cuid, std::shared_ptr<ModelManager> modelManager, FeatureRow features)
+      : DeviceObj(cuid, std::move(modelManager), features) {}
+
+  /// State 7 when the GPU is not among those that are there.
+  Stated<DevCuid> getMpcParentCuid() const override;
+};
+
+}  // namespace kelp
