@@ -1,0 +1,138 @@
+#pragma once
+
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "handles.h"
+#include "lumo_def.h"
+
+/// The shapes of entry points. Each checks its arguments, resolves the handle, runs one operation of
+/// the object and writes the result, which a failure leaves untouched.
+///
+/// An operation is a method, or a function that takes the object, and takes a LumoReturn* besides.
+namespace lumo {
+
+template <class Object>
+std::shared_ptr<Object> lockObject(const std::shared_ptr<Object>& object) {
+  return object;
+}
+
+template <class Object>
+std::shared_ptr<Object> lockObject(const std::weak_ptr<Object>& object) {
+  return object.lock();
+}
+
+/// Runs an operation on the object behind a handle and hands its result to `write`.
+template <class Cell, class Operation, class Write>
+LumoReturn callObject(const Cell* handle, Operation&& operation, Write&& write) {
+  const auto object = lockObject(handle->object);
+  if (object == nullptr) {
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  LumoReturn status = LUMO_RETURN_SUCCESS;
+  auto result = std::invoke(operation, *object, &status);
+  return status == LUMO_RETURN_SUCCESS ? write(std::move(result)) : status;
+}
+
+/// One value.
+template <class Cell, class Value, class Operation>
+LumoReturn getValue(const Cell* handle, Value* value, Operation&& operation) {
+  if (handle == nullptr || value == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return callObject(handle, operation, [value](auto&& result) {
+    *value = result;
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
+/// A text, with its terminator. `whenEmpty` is the code of an empty one.
+template <class Cell, class Operation>
+LumoReturn getText(const Cell* handle, char* buffer, long long size, Operation&& operation,
+                   LumoReturn whenEmpty = LUMO_RETURN_SUCCESS) {
+  if (handle == nullptr || buffer == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return callObject(handle, operation, [=](const std::string& text) {
+    if (text.empty() && whenEmpty != LUMO_RETURN_SUCCESS) {
+      return whenEmpty;
+    }
+    if (size <= static_cast<long long>(text.size())) {
+      return LUMO_RETURN_INSUFFICIENT_SIZE;
+    }
+    std::memset(buffer, 0, static_cast<std::size_t>(size));
+    std::memcpy(buffer, text.data(), text.size());
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
+/// The length of a list.
+template <class Cell, class Operation>
+LumoReturn getCount(const Cell* handle, unsigned* count, Operation&& operation) {
+  if (handle == nullptr || count == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return callObject(handle, operation, [count](const auto& list) {
+    *count = static_cast<unsigned>(list.size());
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
+/// A list, as a whole or not at all.
+template <class Cell, class Record, class Operation>
+LumoReturn getList(const Cell* handle, Record* records, unsigned capacity, Operation&& operation) {
+  if (handle == nullptr || records == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return callObject(handle, operation, [=](const std::vector<Record>& list) {
+    if (list.size() > capacity) {
+      return LUMO_RETURN_INSUFFICIENT_SIZE;
+    }
+    std::memset(records, 0, capacity * sizeof(Record));
+    if (!list.empty()) {
+      std::memcpy(records, list.data(), list.size() * sizeof(Record));
+    }
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
+/// A handle of another object: `operation` finds the object, null when there is none, which gives
+/// `whenNull`.
+template <class Object, class Cell>
+LumoReturn giveHandle(const std::shared_ptr<Object>& object, Cell** handle, LumoReturn whenNull) {
+  if (object == nullptr) {
+    return whenNull;
+  }
+  try {
+    *handle = HandleRegistry<Object, Cell>::instance().getOrCreate(object);
+  } catch (const std::bad_alloc&) {
+    *handle = nullptr;
+    return LUMO_RETURN_INSUFFICIENT_MEMORY;
+  }
+  return LUMO_RETURN_SUCCESS;
+}
+
+template <class Cell, class OtherCell, class Operation>
+LumoReturn getHandle(const Cell* handle, OtherCell** other, LumoReturn whenNull, Operation&& operation) {
+  if (handle == nullptr || other == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return callObject(handle, operation,
+                    [=](const auto& object) { return giveHandle(object, other, whenNull); });
+}
+
+/// The release calls of old, which free nothing.
+template <class Cell>
+LumoReturn ignoreRelease(const Cell* handle, const char* function) {
+  if (handle == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  logDeprecated(function);
+  return LUMO_RETURN_SUCCESS;
+}
+
+}  // namespace lumo
