@@ -1,0 +1,90 @@
+#include "command_access/lumo_access/lumo_access_factory.h"
+
+#include "command_access/lumo_access/lumo_call.h"
+
+namespace tolk {
+
+namespace {
+
+/// Information and all that is graver.
+constexpr unsigned kLibraryLogLevel = 4;
+
+}  // namespace
+
+LumoAccessFactory::LumoAccessFactory()
+    : library_(std::make_shared<LumoAccessLibrary>()), system_(std::make_shared<LumoAccessSystem>()) {}
+
+LumoReturn LumoAccessFactory::initializeLumo() {
+  TOLK_LOG(kTrace);
+  LumoLibrary* library = nullptr;
+  LumoReturn ret = wrapperLumo("lumoLibraryInit", lumoLibraryInit, &library);
+  if (ret == LUMO_RETURN_DRIVER_NOT_LOADED) {
+    TOLK_LOG(kError) << "dirver not load";  // sic
+    return ret;
+  }
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "lumoLibraryInit() failed, ret = " << ret;
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  library_->setLumoLibrary(library);
+
+  LumoSystem* system = nullptr;
+  ret = wrapperLumo("lumoLibraryInitSystem", lumoLibraryInitSystem, library, &system);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "lumoLibraryInitSystem() failed, ret = " << ret;
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  system_->setLumoSystem(system);
+  return LUMO_RETURN_SUCCESS;
+}
+
+std::shared_ptr<LumoAccessDevice> LumoAccessFactory::getAccessDeviceById(std::uint32_t id) const {
+  TOLK_LOG(kTrace) << "devId = " << id;
+  LumoModuleSet modules;
+  LumoReturn ret = wrapperLumo("lumoLibraryInitDeviceByIndex", lumoLibraryInitDeviceByIndex,
+                               library_->getLumoLibrary(), id, &modules.device);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init device failed, devId = " << id;
+    return nullptr;
+  }
+  ret = wrapperLumo("lumoDeviceInitGpu", lumoDeviceInitGpu, modules.device, &modules.gpu);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init gpu failed, ret = " << ret;
+    return nullptr;
+  }
+  ret = wrapperLumo("lumoDeviceInitVpu", lumoDeviceInitVpu, modules.device, &modules.vpu);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init vpu failed, ret = " << ret;
+    return nullptr;
+  }
+  ret = wrapperLumo("lumoDeviceInitMemory", lumoDeviceInitMemory, modules.device, &modules.memory);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init memory failed, ret = " << ret;
+    return nullptr;
+  }
+  return std::make_shared<LumoAccessDevice>(modules);
+}
+
+LumoReturn LumoAccessFactory::configureLog() {
+  TOLK_LOG(kInfo) << "orvane-tolk version : " << kVersion;
+  LumoLogConfiguration configuration;
+  LumoReturn ret = wrapperLumo("lumoLogGetConfiguration", lumoLogGetConfiguration, &configuration);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "get configuration of lumo's log failed, ret = " << ret;
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  configuration.callbackLevel = kLibraryLogLevel;
+  configuration.callback = logCallBack;
+  ret = wrapperLumo("lumoLogSetConfiguration", lumoLogSetConfiguration, &configuration);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "configure lumo's log failed, ret = " << ret;
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  return ret;
+}
+
+void logCallBack(const char* message, unsigned) {
+  RUSK_LOG_AS(frontLogger(), rusk::LogLevel::kInfo, "lumo_access_factory", "logCallBack") << message;
+}
+
+}  // namespace tolk
