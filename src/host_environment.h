@@ -1,0 +1,15 @@
+#pragma once
+
+namespace tolk {
+
+/// Whether this host can carry mediated devices. Its GPUs then share their memory with guests, and
+/// processes belong to the guests.
+bool hostHasMdevBus();
+
+/// Where a container or a machine image names the environment it was made for.
+inline constexpr const char* kEnvironmentFile = "/etc/ovparams";
+
+/// Whether the file has a line that is exactly "envType: 0". A file that cannot be opened has none.
+bool isTargetEnv(const char* path);
+
+}  // namespace tolk
