@@ -10,7 +10,7 @@
 namespace tolk_test {
 
 /// Collects the library's log lines while it lives.
-class LogCapture : public rusk::LogTarget {
+class LogCapture final : public rusk::LogTarget {
  public:
   LogCapture() {
     minLevel = 0;
