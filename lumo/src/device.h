@@ -60,10 +60,11 @@ class Device : public Resource<std::string, Gpu, Memory, Vpu> {
   unsigned int getIndex(LumoReturn* status) const;
   void setIndex(unsigned int index) { index_ = index; }
 
- private:
+ protected:
   Device(std::string key, std::shared_ptr<kelp::DeviceObj> deviceObj,
          const std::shared_ptr<Device>& mpcParent);
 
+ private:
   std::shared_ptr<kelp::DeviceObj> deviceObj_;
   mutable std::mutex mutex_;
   std::weak_ptr<Device> mpcParent_;
