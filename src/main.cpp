@@ -1,0 +1,17 @@
+#include <string>
+
+#include "controller.h"
+
+int main(int argc, char** argv) {
+  tolk::Controller controller;
+  if (const int failure = controller.start(); failure != 0) return failure;
+
+  std::string command;
+  for (int i = 1; i < argc; ++i) {
+    command += argv[i];
+    command += ' ';
+  }
+  controller.input(command);
+  controller.join();
+  return static_cast<int>(controller.exitCode());
+}
