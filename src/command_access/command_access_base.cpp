@@ -1,0 +1,76 @@
+#include "command_access/command_access_base.h"
+
+#include <iostream>
+#include <utility>
+
+#include "command_access/lumo_access/lumo_access_factory.h"
+#include "command_access/reorder_indices.h"
+#include "command_error.h"
+#include "common_define.h"
+#include "rusk/log_cipher.h"
+
+namespace tolk {
+
+namespace {
+
+constexpr std::uint64_t kLogLines = 10'000;
+
+std::shared_ptr<Step> failed(const StartFailure& failure) {
+  return commandError(failure.message, failure.code);
+}
+
+}  // namespace
+
+CommandAccessBase::CommandAccessBase(ParsedOptions parsedOptions) : options(std::move(parsedOptions)) {}
+
+void CommandAccessBase::startLog() const {
+  const auto debug = options.find("--debug");
+  if (debug == options.end()) return;
+
+  auto& file = frontLogFile();
+  file.fileName = debug->second.front();
+  file.maxLines = kLogLines;
+  if (!file.open()) {
+    std::cout << "Error: Creating log file in unauthorized directory." << std::endl;
+  }
+  file.minLevel = 0;
+  file.transform = rusk::encipherLine;
+  file.useTransform = true;
+  frontLogger().add(&file);
+  LumoAccessFactory::configureLog();
+}
+
+std::shared_ptr<Step> CommandAccessBase::startLibrary() {
+  accessFactory = std::make_shared<LumoAccessFactory>();
+  switch (accessFactory->initializeLumo()) {
+    case LUMO_RETURN_SUCCESS:
+      return nullptr;
+    case LUMO_RETURN_DRIVER_NOT_LOADED:
+      return commandError("Error: failed to load driver.", ExitCode::kDriverNotLoaded);
+    default:
+      return commandError("Error: failed to initialize orvane-tolk.", ExitCode::kLibraryStartFailed);
+  }
+}
+
+std::shared_ptr<Step> CommandAccessBase::countDevices(const StartWording& wording,
+                                                      std::uint32_t& count) const {
+  if (accessFactory->getAccessLibrary()->getAccessDeviceNum(count) != LUMO_RETURN_SUCCESS) {
+    return failed(wording.noCount);
+  }
+  return count == 0 ? failed(wording.noDevice) : nullptr;
+}
+
+std::shared_ptr<Step> CommandAccessBase::listDevices(const StartWording& wording,
+                                                     std::vector<std::uint32_t>& indices) const {
+  std::uint32_t count = 0;
+  if (auto failure = countDevices(wording, count)) return failure;
+  return getReorderIndices(count, indices, *accessFactory) ? nullptr : failed(wording.noOrder);
+}
+
+std::shared_ptr<Step> CommandAccessBase::noSuchDevice(std::int64_t index) {
+  return commandError(formatMessage("Error: failed to find the specified GPU device, index = %d",
+                                    static_cast<std::int32_t>(index)),
+                      ExitCode::kBadArgument);
+}
+
+}  // namespace tolk

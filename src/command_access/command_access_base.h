@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "exit_code.h"
+#include "parsed_options.h"
+#include "step.h"
+
+namespace tolk {
+
+class LumoAccessFactory;
+
+/// What a command says when a step of its start fails, and the exit status.
+struct StartFailure {
+  const char* message;
+  ExitCode code;
+};
+
+/// The usual words of the start; a command with other ones names those alone.
+struct StartWording {
+  StartFailure noCount{"Error: failed to get the number of GPU device", ExitCode::kEnumerationFailed};
+  StartFailure noDevice{"Error: No OV GPU device found.", ExitCode::kNoDevice};
+  StartFailure noOrder{"Error: failed to find GPU devices", ExitCode::kEnumerationFailed};
+};
+
+inline constexpr const char* kNotAvailable = "Error: the requested operation is not available on target device";
+
+/// Base of the commands: a step that gathers what its output then prints. It owns its copy of the
+/// options, so a repeat by "-l" runs with the same ones.
+class CommandAccessBase : public Step {
+ public:
+  explicit CommandAccessBase(ParsedOptions parsedOptions);
+
+ protected:
+  /// Turns the log on if "--debug" names a file; comes first in the `work` of every command. A file that
+  /// cannot be opened is told to the user, and the command runs on.
+  void startLog() const;
+
+  bool hasOption(const char* key) const { return options.contains(key); }
+
+  /// Starts the library in a factory of this run's own. Here as below, null stands for success, and
+  /// anything else is the step that `work` has to return.
+  std::shared_ptr<Step> startLibrary();
+
+  /// Counts the devices; none at all is a failure.
+  std::shared_ptr<Step> countDevices(const StartWording& wording, std::uint32_t& count) const;
+
+  /// Counts the devices and puts them in display order.
+  std::shared_ptr<Step> listDevices(const StartWording& wording, std::vector<std::uint32_t>& indices) const;
+
+  /// The failure of a device that was asked for by index. A script reads the number as 32 bits.
+  static std::shared_ptr<Step> noSuchDevice(std::int64_t index);
+
+  const ParsedOptions options;
+  std::shared_ptr<LumoAccessFactory> accessFactory;  ///< null before startLibrary
+};
+
+}  // namespace tolk
