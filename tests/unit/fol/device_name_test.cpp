@@ -137,5 +137,10 @@ TEST_F(TargetEnvironmentTest, TheLineMustBeExact) {
   }
 }
 
+TEST_F(TargetEnvironmentTest, AFileWithoutEndIsLeftAlone) {
+  EXPECT_FALSE(readIsTargetEnvironment("/dev/zero"));
+  EXPECT_FALSE(readIsTargetEnvironment("/"));
+}
+
 }  // namespace
 }  // namespace kelp
