@@ -1,6 +1,7 @@
 #pragma once
 
 #include <charconv>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,7 +44,7 @@ void appendNumber(std::string& text, T number) {
   } else {
     result = std::to_chars(digits, digits + sizeof digits, number);
   }
-  text.append(digits, result.ptr);
+  text.append(digits, static_cast<std::size_t>(result.ptr - digits));
 }
 
 }  // namespace rusk

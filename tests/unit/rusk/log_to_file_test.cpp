@@ -246,6 +246,15 @@ TEST_F(LogToFileTest, BareFileNameHasNoFolderToCreate) {
   EXPECT_TRUE(std::filesystem::exists(folder.file("dotted.log")));
 }
 
+TEST_F(LogToFileTest, SeparatorAloneIsNoFolderToCreate) {
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.file(""));
+  EXPECT_TRUE(openOf("\\y.log"));
+  std::filesystem::current_path(before);
+  EXPECT_TRUE(std::filesystem::exists(folder.file("\\y.log")));
+  EXPECT_FALSE(std::filesystem::exists(folder.file("\\")));
+}
+
 TEST_F(LogToFileTest, FullDeviceLosesLinesInSilence) {
   ASSERT_TRUE(openOf("/dev/full"));
   for (int line = 0; line < 3; ++line) EXPECT_FALSE(log.write(std::string(10000, 'x'), 3));
