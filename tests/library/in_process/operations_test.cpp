@@ -531,6 +531,7 @@ TEST_F(OperationsTest, VideoCoresAreSortedByKind) {
   LumoVpu* vpu = nullptr;
   ASSERT_EQ(lumoDeviceInitVpu(handle_, &vpu), LUMO_RETURN_SUCCESS);
   const auto object = vpu->object.lock();
+  ASSERT_NE(object, nullptr);
   EXPECT_EQ(object->getCoreIds(VpuCoreKind::kEncoder), (std::vector<unsigned>{0, 5}));
   EXPECT_EQ(object->getCoreIds(VpuCoreKind::kDecoder), (std::vector<unsigned>{1, 4}));
   EXPECT_EQ(object->getCoreIds(VpuCoreKind::kBoth), (std::vector<unsigned>{2}));
@@ -542,7 +543,9 @@ TEST_F(OperationsTest, AVideoEngineThatDoesNotAnswerHasNoCores) {
   startWith(DevType::kPhysical, DevArch::kTor1);
   LumoVpu* vpu = nullptr;
   ASSERT_EQ(lumoDeviceInitVpu(handle_, &vpu), LUMO_RETURN_SUCCESS);
-  EXPECT_TRUE(vpu->object.lock()->getCoreIds(kelp::VpuCoreKind::kEncoder).empty());
+  const auto object = vpu->object.lock();
+  ASSERT_NE(object, nullptr);
+  EXPECT_TRUE(object->getCoreIds(kelp::VpuCoreKind::kEncoder).empty());
   EXPECT_TRUE(log_.has(LogLevel::kError, "Failed to get Vpu core count, st =  6 "));
 }
 
