@@ -115,7 +115,7 @@ Stated<std::string> AccessPoint::makeUuid(MiscMkisProvider& context, const DevDe
       return efuse.state();
     }
   }
-  const u64 chip = efuse.ok() ? chipValue(efuse.value()) : 0;
+  const std::uint64_t chip = efuse.ok() ? chipValue(efuse.value()) : 0;
   if (chip == 0) {
     return uuidOfNode(cuid_.intId);
   }
