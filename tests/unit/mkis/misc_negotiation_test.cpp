@@ -301,7 +301,7 @@ TEST(ProtocolOneCalls, FailedRequestLogsTheRecordAndErrno) {
   MiscMkisProvider provider("ovgpu.3");
   ASSERT_TRUE(provider.init().ok());
   EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryPstate>().value().operation().state(), KelpReturn::kFailure);
-  EXPECT_TRUE(log.has(LogLevel::kError, "access<  MciGetPstateV0  > ioctl return error =  -1  , errno =  5"));
+  EXPECT_TRUE(log.has(LogLevel::kError, "access< MciGetPstateV0 > ioctl return error =  -1 , errno =  5"));
 }
 
 TEST(ProtocolOneCalls, LyingCountsAreCutToTheRecord) {
@@ -391,7 +391,7 @@ TEST(ProtocolOneCalls, RecordIsNotSentOnAClosedDescriptor) {
   MiscKernelAccessorV1 accessor(NodeFile(), 1, 0);
   EXPECT_EQ(accessor.doQueryPstate().begin()->second().state(), KelpReturn::kFailure);
   EXPECT_TRUE(driver.calls.empty());
-  EXPECT_TRUE(log.has(LogLevel::kError, "access<  MciGetPstateV0  fd is invalid !"));
+  EXPECT_TRUE(log.has(LogLevel::kError, "access< MciGetPstateV0 fd is invalid !"));
 }
 
 }  // namespace

@@ -181,7 +181,7 @@ TEST(RenderNegotiation, FailedRequestIsLoggedWithItsNumber) {
   RenderMkisProvider provider("renderD128", DevArch::kFen2);
   ASSERT_TRUE(provider.init().ok());
   EXPECT_EQ(provider.postInit().state(), KelpReturn::kFailure);
-  EXPECT_TRUE(log.has(LogLevel::kError, ", errno =  5  , ioctl:0x  c0a0648a"));
+  EXPECT_TRUE(log.has(LogLevel::kError, ", errno =  5 , ioctl:0x c0a0648a"));
   EXPECT_TRUE(log.has(LogLevel::kError, "failed to query vpu specification, access error is  1"));
 }
 
