@@ -99,9 +99,39 @@ class LumoFixture : public testing::Test {
     return text;
   }
 
+  void startWith(kelp::DevType type, kelp::DevArch arch) {
+    addGpu(0, type, arch);
+    mustStart();
+    handle_ = device(0);
+  }
+  void startMpc(kelp::DevArch arch = kelp::DevArch::kFen2) {
+    addMpc(arch);
+    mustStart();
+    parent_ = deviceOf("uuid-2");
+    instance_ = deviceOf("uuid-3");
+  }
+  LumoGpu* gpu(LumoDevice* of) {
+    LumoGpu* gpu = nullptr;
+    EXPECT_EQ(lumoDeviceInitGpu(of, &gpu), LUMO_RETURN_SUCCESS);
+    return gpu;
+  }
+  LumoMemory* memory(LumoDevice* of) {
+    LumoMemory* memory = nullptr;
+    EXPECT_EQ(lumoDeviceInitMemory(of, &memory), LUMO_RETURN_SUCCESS);
+    return memory;
+  }
+  LumoSystem* system() {
+    LumoSystem* system = nullptr;
+    EXPECT_EQ(lumoLibraryInitSystem(library_, &system), LUMO_RETURN_SUCCESS);
+    return system;
+  }
+
   FakePlatform platform_;
   LogCapture log_;
   LumoLibrary* library_ = nullptr;
+  LumoDevice* handle_ = nullptr;    ///< of startWith
+  LumoDevice* parent_ = nullptr;    ///< of startMpc
+  LumoDevice* instance_ = nullptr;  ///< of startMpc
 };
 
 }  // namespace tolk_test
