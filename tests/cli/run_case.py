@@ -120,16 +120,27 @@ def check_files(case, work):
             raise Failure(f"{name} is {found}, expected {kind}")
 
 
+def log_patterns(lines):
+    return [re.sub(r"\{([TDIWEF])\}", lambda level: STAMP + level[1] + r"/\d+", line) for line in lines]
+
+
 def check_log(runner, case, work):
     expected = case.get("log")
     if expected is None:
         return
     lines = runner.log_lines(work / expected["path"])
-    patterns = [re.sub(r"\{([TDIWEF])\}", lambda level: STAMP + level[1] + r"/\d+", line)
-                for line in expected["lines"]] * case.get("runs", 1)
-    if len(lines) == len(patterns) and all(re.fullmatch(p, line) for p, line in zip(patterns, lines)):
+    if "lines" in expected:
+        patterns = log_patterns(expected["lines"]) * case.get("runs", 1)
+        found = len(lines) == len(patterns) and all(re.fullmatch(p, line) for p, line in zip(patterns, lines))
+    else:
+        patterns = log_patterns(expected["has"])
+        rest = iter(lines)
+        found = all(any(re.fullmatch(p, line) for line in rest) for p in patterns)
+    refused = [line for p in log_patterns(expected.get("lacks", [])) for line in lines if re.fullmatch(p, line)]
+    if found and not refused:
         return
     raise Failure("debug log\nexpected, as expressions:\n  " + "\n  ".join(patterns) +
+                  "".join("\nnot expected:\n  " + visible(line) for line in refused) +
                   "\nactual:\n  " + "\n  ".join(visible(line) for line in lines))
 
 
