@@ -29,8 +29,12 @@ constexpr std::array kSpeeds{2.5F, 5.0F, 8.0F, 16.0F, 32.0F, 64.0F};
 constexpr unsigned kHighestGen = 7;
 
 // The link capabilities begin with the same two fields as the link status.
-unsigned speedCode(unsigned link) { return link & 0xF; }
-unsigned widthCode(unsigned link) { return (link >> 4) & 0x3F; }
+unsigned speedCode(unsigned link) {
+  return link & 0xF;
+}
+unsigned widthCode(unsigned link) {
+  return (link >> 4) & 0x3F;
+}
 
 }  // namespace
 

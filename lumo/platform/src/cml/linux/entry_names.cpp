@@ -27,9 +27,8 @@ bool isPciAddress(std::string_view name) {
   }
   const std::size_t domainLength = name.size() - kBehindDomain.size();
   return std::ranges::all_of(name.substr(0, domainLength), isAlphanumeric) &&
-         std::ranges::equal(name.substr(domainLength), kBehindDomain, [](char c, char form) {
-           return form == 'x' ? isAlphanumeric(c) : c == form;
-         });
+         std::ranges::equal(name.substr(domainLength), kBehindDomain,
+                            [](char c, char form) { return form == 'x' ? isAlphanumeric(c) : c == form; });
 }
 
 }  // namespace kelp::linux_

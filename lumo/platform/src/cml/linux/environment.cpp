@@ -39,7 +39,9 @@ constexpr std::array kPackageQueries{
 
 constexpr std::string_view kVersionKey = "Version";
 
-bool exists(const char* path) { return ::access(path, F_OK) == 0; }
+bool exists(const char* path) {
+  return ::access(path, F_OK) == 0;
+}
 
 std::string readUpToNul(const FileDescriptor& file) {
   std::string text;

@@ -98,8 +98,8 @@ std::int64_t FsHelper::read(const std::string& path, std::string& out) {
   const FileDescriptor file = FileDescriptor::openForReading(path);
   if (!file.isOpen()) {
     // The number is that of a stream that failed to open.
-    KELP_LOG(kError) << "Read text file :" << path << ", open failed, state = "
-                     << static_cast<int>(std::ios::failbit);
+    KELP_LOG(kError) << "Read text file :" << path
+                     << ", open failed, state = " << static_cast<int>(std::ios::failbit);
     return -1;
   }
   // Size and content in one go: a driver may show another text on a second read.

@@ -17,7 +17,9 @@
 namespace kelp::linux_ {
 namespace {
 
-std::string functionFolder(const std::string& sbdf) { return std::string(kPciDriverFolder) + "/" + sbdf; }
+std::string functionFolder(const std::string& sbdf) {
+  return std::string(kPciDriverFolder) + "/" + sbdf;
+}
 
 /// Names of a prefix and a number, by ascending number. A name whose number is beyond 64 bits is none.
 /// The result is that of the walk.

@@ -97,9 +97,9 @@ int PciAccess::getPciInfo(PcieInfo& info) const {
 
 FileDescriptor PciAccess::sysFsInit(const char* name) const {
   std::array<char, 1024> path;
-  const int length = std::snprintf(path.data(), path.size(), "%s/%04x:%02x:%02x.%d/%s", kPciDevicesFolder,
-                                   sbdfDomain(sbdf_), sbdfBus(sbdf_), sbdfDevice(sbdf_),
-                                   static_cast<int>(sbdfFunction(sbdf_)), name);
+  const int length =
+      std::snprintf(path.data(), path.size(), "%s/%04x:%02x:%02x.%d/%s", kPciDevicesFolder, sbdfDomain(sbdf_),
+                    sbdfBus(sbdf_), sbdfDevice(sbdf_), static_cast<int>(sbdfFunction(sbdf_)), name);
   if (length < 0 || static_cast<std::size_t>(length) >= path.size()) {
     KELP_LOG(kError) << "sysSetFsObjName error! " << name;
     return FileDescriptor();
@@ -233,7 +233,8 @@ bool PciAccess::readBars(PcieInfo& info) const {
     return false;
   }
   // The header of a CardBus bridge is twice as long.
-  if (Header rest; (header[kHeaderType] & kHeaderTypeMask) == kCardBusHeader && !readConfig(kHeaderSize, rest)) {
+  if (Header rest;
+      (header[kHeaderType] & kHeaderTypeMask) == kCardBusHeader && !readConfig(kHeaderSize, rest)) {
     return false;
   }
   const bool decodesMemory = (header[kCommand] & kMemoryDecoding) != 0;

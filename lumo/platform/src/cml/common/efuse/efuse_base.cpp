@@ -55,6 +55,8 @@ std::uint64_t EfuseBase::getValue(unsigned int fieldId, KelpReturn& state) const
   return field.ok() ? field.value().words.front() : 0;
 }
 
-Stated<unsigned int> EfuseBase::getDeviceId() const { return KelpReturn::kNotSupported; }
+Stated<unsigned int> EfuseBase::getDeviceId() const {
+  return KelpReturn::kNotSupported;
+}
 
 }  // namespace kelp

@@ -41,8 +41,12 @@ Stated<EfuseFieldAlloc> EfuseLayout::getEfuseFieldAlloc(unsigned int fieldId) co
   return *field;
 }
 
-std::span<const EfuseFieldAlloc> WoldEfuseLayout::getFields() const { return kWoldFields; }
+std::span<const EfuseFieldAlloc> WoldEfuseLayout::getFields() const {
+  return kWoldFields;
+}
 
-std::span<const EfuseFieldAlloc> Fen1EfuseLayout::getFields() const { return kFen1Fields; }
+std::span<const EfuseFieldAlloc> Fen1EfuseLayout::getFields() const {
+  return kFen1Fields;
+}
 
 }  // namespace kelp
