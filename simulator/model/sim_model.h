@@ -1,0 +1,98 @@
+// The driver model: answers one ioctl on one node of a simulated host.
+//
+// Plain C without library calls. A shell around it (preload library, test, kernel module) says how the
+// caller's memory is reached and keeps two calls that change state apart.
+#ifndef SIM_MODEL_H
+#define SIM_MODEL_H
+
+#include "sim_image.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// Errno numbers that the driver uses.
+enum {
+  SIM_ENOENT = 2,
+  SIM_EIO = 5,
+  SIM_EAGAIN = 11,
+  SIM_ENOMEM = 12,
+  SIM_EFAULT = 14,
+  SIM_EBUSY = 16,
+  SIM_ENODEV = 19,
+  SIM_EINVAL = 22,
+  SIM_ENOTTY = 25,
+  SIM_ENOSPC = 28,
+  SIM_EOPNOTSUPP = 95,
+};
+
+// What the driver writes into the header of a call.
+enum SimStatus {
+  SIM_DONE = 0,
+  SIM_BAD_ARGUMENT = 1,
+  SIM_UNKNOWN_INTERFACE = 2,
+  SIM_BAD_SIZE = 3,
+  SIM_UNKNOWN_VERSION = 4,
+  SIM_NOT_SUPPORTED = 5,
+  SIM_BUFFER_TOO_SMALL = 6,
+  SIM_BUSY = 7,
+  SIM_OUT_OF_MEMORY = 8,
+  SIM_DEVICE_LOST = 9,
+  SIM_FIRMWARE_FAILURE = 10,
+  SIM_IO_FAILURE = 11,
+  SIM_NO_SUCH_OBJECT = 12,
+};
+
+enum { SIM_MAX_RECORD = 16384 };
+
+// One ioctl: what is asked, a buffer to work in, what came of it.
+typedef struct SimCall {
+  // Filled by the shell. Both return 0, or not 0 when the memory cannot be reached.
+  int (*readMemory)(struct SimCall* call, void* to, uint64_t address, size_t size);
+  int (*writeMemory)(struct SimCall* call, uint64_t address, const void* from, size_t size);
+  uint32_t node;  // index in the node table
+  uint32_t request;
+  uint64_t argument;
+
+  // Filled by the model.
+  int error;             // errno, 0 when the ioctl succeeds
+  uint32_t status;       // enum SimStatus; protocol 1
+  uint8_t kind;          // enum SimCallKind
+  uint8_t hasInterface;  // the next two are told
+  uint16_t version;
+  uint32_t interfaceName;
+  uint64_t hangMs;  // to be waited, outside of any lock, before the answer is handed over
+  uint8_t buffer[SIM_MAX_RECORD];
+} SimCall;
+
+// Answers the call; the result is call->error.
+int simIoctl(SimImage* image, SimCall* call);
+
+// Index of the node, or -1.
+int simFindNode(const SimImage* image, uint64_t device, uint64_t inode);
+int simFindNodeByName(const SimImage* image, uint32_t kinds, uint32_t number);
+
+// The node's name as it stands in its folder, NUL-ended: ovgpu.3, renderD131, card3.
+enum { SIM_NODE_NAME = 24 };
+void simNodeName(const SimNode* node, char name[SIM_NODE_NAME]);
+
+// What strikes the access of a path: all effects that apply now.
+typedef struct SimFileFault {
+  int error;  // errno, 0 none
+  uint64_t hangMs;
+  int64_t cut;       // bytes that stay, -1 all
+  const char* text;  // instead of the content, null none
+  size_t textLength;
+} SimFileFault;
+
+// Counts the access against every fault that matches it. `opens` tells that the path is opened.
+void simFileFaults(SimImage* image, const char* path, int opens, SimFileFault* fault);
+
+// Globs of fault specifications: * and ? stay within a folder, ** does not.
+int simGlobMatches(const char* pattern, const char* text);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

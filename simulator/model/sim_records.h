@@ -1,0 +1,84 @@
+// The records of the driver, as tables: a record is a row, its fields are rows of their own.
+#ifndef SIM_RECORDS_H
+#define SIM_RECORDS_H
+
+#include "sim_image.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+enum SimFieldType {
+  SIM_FIELD_KEY,     // in: selects, in the order of the keys
+  SIM_FIELD_STORE,   // in: becomes the value; more than `count` is a bad argument if `count` is not 0
+  SIM_FIELD_NUMBER,  // out
+  SIM_FIELD_BITS,    // out: `bits` bits from bit `shift` on
+  SIM_FIELD_ARRAY,   // out: `count` numbers, one every `stride` bytes
+  SIM_FIELD_BYTES,   // out: text or bytes, the rest NUL
+};
+
+enum {
+  SIM_FLAG_OPTIONAL = 1,   // not written when the device has no such value
+  SIM_FLAG_FIXED_KEY = 2,  // `fixedKey` instead of what the request selects
+  SIM_FLAG_SIGNED_NA = 4,  // the lowest signed number says "not available"
+};
+
+typedef struct SimField {
+  uint16_t offset;
+  uint16_t width;
+  uint8_t type;  // enum SimFieldType
+  uint8_t flags;
+  uint16_t value;  // enum SimValue
+  uint16_t count;
+  uint16_t stride;
+  uint8_t shift;
+  uint8_t bits;
+  uint16_t fixedKey;
+} SimField;
+
+// A list inside a record: a count and rows of one form.
+typedef struct SimRows {
+  uint16_t countOffset;
+  uint16_t countWidth;
+  uint16_t countValue;  // enum SimValue
+  uint16_t base;
+  uint16_t stride;
+  uint16_t max;
+  const SimField* fields;
+  uint32_t fieldCount;
+} SimRows;
+
+enum {
+  SIM_NEEDS_MPC = 1,      // the device can be switched into MPC mode
+  SIM_NEEDS_SABLINK = 2,  // the device has Sablink ports
+  SIM_NEEDS_KEY = 4,      // what the request selects must be on this device, else it does not support it
+  SIM_BLANK_ONES = 8,     // what no field writes comes back as ones
+};
+
+typedef struct SimRecord {
+  uint32_t request;  // protocol 0: the number that calls it
+  uint32_t size;     // bytes of payload, or of the whole record in protocol 0
+  uint32_t interfaceName;
+  uint16_t version;
+  uint8_t nodes;  // enum SimNodeKind, those that answer
+  uint8_t needs;
+  const SimField* fields;
+  const SimRows* rows;
+  uint32_t fieldCount;
+} SimRecord;
+
+// Null when there is none.
+const SimRecord* simFindRecord1(uint32_t interfaceName, uint32_t version);
+const SimRecord* simFindRecord0(uint32_t request);
+const SimRecord* simFindVpuRecord(uint32_t operation);
+
+// The records of a protocol in a row, for what lists them.
+const SimRecord* simRecords1(uint32_t* count);
+const SimRecord* simRecords0(uint32_t* count);
+const SimRecord* simVpuRecords(uint32_t* count);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

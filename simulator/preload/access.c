@@ -1,0 +1,120 @@
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include "shell.h"
+
+int accessBegin(Access* access, const char* operation, const char* path, enum AccessAim aim) {
+  access->shell = shellGet();
+  access->operation = operation;
+  access->fault = (SimFileFault){.cut = -1};
+  switch (pathFind(access->shell, path, access->logical, access->host)) {
+    case PATH_REAL:
+      return 0;
+    case PATH_REMOVED:
+      access->fault.error = ENOENT;
+      return 1;
+    default:
+      break;
+  }
+  if (access->shell->image->faults.count) {
+    simFileFaults(access->shell->image, access->logical, aim == ACCESS_OPEN, &access->fault);
+    if (access->fault.hangMs) shellSleepMs(access->fault.hangMs);
+  }
+  return 1;
+}
+
+int accessFail(Access* access) {
+  errno = access->fault.error;
+  return -1;
+}
+
+int accessEnd(Access* access, int failed) {
+  if (access->shell->traceFd >= 0) {
+    const int saved = errno;
+    char spare[16];
+    shellTrace(access->shell, access->operation, access->logical, failed ? errnoName(saved, spare) : "ok");
+    errno = saved;
+  }
+  return failed;
+}
+
+static int isNode(const Access* access) {
+  return strncmp(access->logical, "/dev/", 5) == 0;
+}
+
+static int isEventQueue(const Access* access) {
+  static const char name[] = "/event_report";
+  const size_t length = strlen(access->logical);
+  return strncmp(access->logical, "/proc/driver/vela/", 18) == 0 && length > sizeof name &&
+         strcmp(access->logical + length - (sizeof name - 1), name) == 0;
+}
+
+// A device that was removed, or has no driver, cannot be opened any more.
+static int closeIfGone(const Access* access, int fd) {
+  SimImage* const image = access->shell->image;
+  struct stat status;
+  if (fstat(fd, &status) != 0) return fd;
+  const int index = simFindNode(image, status.st_dev, status.st_ino);
+  if (index < 0) return fd;
+  const SimNode* const nodes = SIM_AT(image, SimNode, nodes);
+  if (image->loaded && !__atomic_load_n(&nodes[nodes[index].owner].gone, __ATOMIC_ACQUIRE)) return fd;
+  close(fd);
+  errno = ENODEV;
+  return -1;
+}
+
+static int copyUpTo(int from, int to, int64_t size) {
+  char part[4096];
+  while (size > 0) {
+    const ssize_t got = read(from, part, size < (int64_t)sizeof part ? (size_t)size : sizeof part);
+    if (got <= 0) return (int)got;
+    if (write(to, part, (size_t)got) != got) return -1;
+    size -= got;
+  }
+  return 0;
+}
+
+// A file in memory with what the fault leaves of `fd`, which is closed.
+static int replaceContent(const Access* access, int fd) {
+  const int copy = memfd_create("ovgpu-sim", MFD_CLOEXEC);
+  int failed = copy < 0;
+  if (!failed && access->fault.text) {
+    const ssize_t size = (ssize_t)access->fault.textLength;
+    failed = write(copy, access->fault.text, (size_t)size) != size;
+  } else if (!failed) {
+    failed = copyUpTo(fd, copy, access->fault.cut) != 0;
+  }
+  close(fd);
+  if (failed || lseek(copy, 0, SEEK_SET) != 0) {
+    if (copy >= 0) close(copy);
+    errno = EIO;
+    return -1;
+  }
+  return copy;
+}
+
+int accessOpenFile(Access* access, int flags, mode_t mode) {
+  typedef int (*Open)(const char*, int, ...);
+  // Opened for reading alone, a queue without a writer would wait for one.
+  if (isEventQueue(access)) flags = (flags & ~O_ACCMODE) | O_RDWR | O_NONBLOCK;
+  int fd = REAL(Open, "open")(access->host, flags, mode);
+  if (fd >= 0 && isNode(access)) fd = closeIfGone(access, fd);
+  const int changed = access->fault.cut >= 0 || access->fault.text;
+  if (fd >= 0 && changed && (flags & O_ACCMODE) == O_RDONLY && !(flags & O_DIRECTORY)) {
+    fd = replaceContent(access, fd);
+  }
+  return fd;
+}
+
+void accessPatchMode(const Access* access, mode_t* mode, dev_t* device) {
+  if (!isNode(access) || !S_ISREG(*mode)) return;
+  const char* const digits = access->logical + strcspn(access->logical, "0123456789");
+  const int isGraphics = strncmp(access->logical, "/dev/dri/", 9) == 0;
+  *mode = (*mode & ~(mode_t)S_IFMT) | S_IFCHR;
+  *device = makedev(isGraphics ? 226 : 10, isGraphics ? (unsigned)atoi(digits) : 64 + (unsigned)atoi(digits));
+}

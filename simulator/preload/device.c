@@ -1,0 +1,92 @@
+// ioctl on the nodes of the host.
+#include <errno.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/ioctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "shell.h"
+
+enum { kMiscType = 'M', kRenderType = 'd' };
+
+// Addresses in the first page stand for a null pointer with an offset.
+enum { kFirstAddress = 4096 };
+
+static int readMemory(SimCall* call, void* to, uint64_t address, size_t size) {
+  (void)call;
+  if (address < kFirstAddress) return -1;
+  memcpy(to, (const void*)(uintptr_t)address, size);
+  return 0;
+}
+
+static int writeMemory(SimCall* call, uint64_t address, const void* from, size_t size) {
+  (void)call;
+  if (address < kFirstAddress) return -1;
+  memcpy((void*)(uintptr_t)address, from, size);
+  return 0;
+}
+
+static int findNode(const Shell* shell, int fd) {
+  struct stat status;
+  // Straight to the kernel: this is done on every call.
+  if (syscall(SYS_newfstatat, fd, "", &status, 0x1000 /* AT_EMPTY_PATH */) != 0) return -1;
+  return simFindNode(shell->image, status.st_dev, status.st_ino);
+}
+
+static const char* const kindNames[] = {"probe", "scan", "list", "record", "unknown"};
+
+static void traceCall(const Shell* shell, const SimCall* call) {
+  char name[SIM_NODE_NAME];
+  char subject[96];
+  char result[32];
+  char spare[16];
+  simNodeName(SIM_AT(shell->image, const SimNode, nodes) + call->node, name);
+  if (call->hasInterface) {
+    snprintf(subject, sizeof subject, "%s %s %u %u", name, kindNames[call->kind], call->interfaceName,
+             call->version);
+  } else {
+    snprintf(subject, sizeof subject, "%s %s 0x%08x -", name, kindNames[call->kind], call->request);
+  }
+  if (call->error) {
+    snprintf(result, sizeof result, "%s", errnoName(call->error, spare));
+  } else if (call->status) {
+    snprintf(result, sizeof result, "status=%u", call->status);
+  } else {
+    snprintf(result, sizeof result, "ok");
+  }
+  shellTrace(shell, "ioctl", subject, result);
+}
+
+SHELL_EXPORT int ioctl(int fd, unsigned long request, ...) {
+  typedef int (*Ioctl)(int, unsigned long, ...);
+  va_list arguments;
+  va_start(arguments, request);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+
+  // A request that went through an int comes with its sign extended.
+  const uint32_t number = (uint32_t)request;
+  const uint32_t type = number >> 8 & 0xff;
+  if (type != kMiscType && type != kRenderType) return REAL(Ioctl, "ioctl")(fd, request, argument);
+  const int saved = errno;
+  const Shell* const shell = shellGet();
+  const int node = findNode(shell, fd);
+  errno = saved;
+  if (node < 0) return REAL(Ioctl, "ioctl")(fd, request, argument);
+
+  SimCall call;
+  call.readMemory = readMemory;
+  call.writeMemory = writeMemory;
+  call.node = (uint32_t)node;
+  call.request = number;
+  call.argument = (uint64_t)(uintptr_t)argument;
+  shellLock();
+  const int error = simIoctl(shell->image, &call);
+  shellUnlock();
+  if (call.hangMs) shellSleepMs(call.hangMs);
+  if (shell->traceFd >= 0) traceCall(shell, &call);
+  errno = error ? error : saved;
+  return error ? -1 : 0;
+}

@@ -1,0 +1,128 @@
+#include "command_runner.h"
+
+#include <elf.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+
+#include "host_error.h"
+
+namespace {
+
+constexpr int kSignalStatus = 128;
+
+volatile sig_atomic_t childPid = 0;
+
+// What is sent to the runner is meant for the command.
+void passOn(int number) {
+  if (childPid > 0) kill(static_cast<pid_t>(childPid), number);
+}
+
+std::string findInPath(const std::string& command) {
+  if (command.find('/') != std::string::npos) return command;
+  const char* const path = std::getenv("PATH");
+  const std::string folders = path ? path : "";
+  for (size_t at = 0; at <= folders.size();) {
+    const size_t end = std::min(folders.find(':', at), folders.size());
+    const std::string file = folders.substr(at, end - at) + "/" + command;
+    if (access(file.c_str(), X_OK) == 0) return file;
+    at = end + 1;
+  }
+  return {};
+}
+
+// A 64-bit program that names no interpreter is linked statically.
+bool isStatic(const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  Elf64_Ehdr head{};
+  if (!stream.read(reinterpret_cast<char*>(&head), sizeof head)) return false;
+  if (std::memcmp(head.e_ident, ELFMAG, SELFMAG) != 0 || head.e_ident[EI_CLASS] != ELFCLASS64) return false;
+  for (int i = 0; i < head.e_phnum; ++i) {
+    Elf64_Phdr part{};
+    stream.seekg(static_cast<std::streamoff>(head.e_phoff) + i * head.e_phentsize);
+    if (!stream.read(reinterpret_cast<char*>(&part), sizeof part)) return false;
+    if (part.p_type == PT_INTERP) return false;
+  }
+  return true;
+}
+
+void setEnvironment(const Installation& parts, const HostFolder& folder, const std::string& traceFile) {
+  const auto append = [](const char* name, const std::string& more, bool front) {
+    const char* const old = std::getenv(name);
+    const std::string before = old ? old : "";
+    const std::string all = before.empty() ? more : front ? more + ":" + before : before + ":" + more;
+    setenv(name, all.c_str(), 1);
+  };
+  append("LD_PRELOAD", parts.library.string(), true);
+  append("PATH", parts.stubs.string(), true);
+  // The sanitizer wants to be the first library; it works behind the preload all the same.
+  append("ASAN_OPTIONS", "verify_asan_link_order=0", false);
+  setenv("OVGPU_SIM_ROOT", folder.path().c_str(), 1);
+  setenv("OVGPU_SIM_CANARY", folder.canary().c_str(), 1);
+  if (traceFile.empty()) {
+    unsetenv("OVGPU_SIM_TRACE");
+  } else {
+    setenv("OVGPU_SIM_TRACE", traceFile.c_str(), 1);
+  }
+}
+
+[[noreturn]] void startChild(const Installation& parts, const HostFolder& folder,
+                             const std::string& traceFile, const std::vector<std::string>& command,
+                             const sigset_t& mask) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  setEnvironment(parts, folder, traceFile);
+  std::vector<char*> arguments;
+  std::string launcher = parts.launcher.string();
+  arguments.push_back(launcher.data());
+  for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
+  arguments.push_back(nullptr);
+  sigprocmask(SIG_SETMASK, &mask, nullptr);
+  execv(launcher.c_str(), arguments.data());
+  _exit(2);
+}
+
+}  // namespace
+
+void checkCommand(const std::string& command) {
+  const std::string file = findInPath(command);
+  if (file.empty() || access(file.c_str(), F_OK) != 0) return;  // the launcher will say so
+  if (isStatic(file)) {
+    throw HostError(file + " is linked statically: the simulated host cannot be shown to it");
+  }
+  struct stat status {};
+  if (stat(file.c_str(), &status) == 0 && (status.st_mode & (S_ISUID | S_ISGID)) != 0 && geteuid() != 0) {
+    throw HostError(file + " changes its user or group: the simulated host cannot be shown to it");
+  }
+}
+
+int runCommand(const Installation& parts, const HostFolder& folder, const std::string& traceFile,
+               const std::vector<std::string>& command) {
+  // Until the child is known, signals wait. Those of the keyboard reach the command by themselves.
+  sigset_t blocked;
+  sigset_t before;
+  sigfillset(&blocked);
+  sigprocmask(SIG_SETMASK, &blocked, &before);
+  const pid_t child = fork();
+  if (child < 0) throw HostError(std::string("cannot start a process: ") + std::strerror(errno));
+  if (child == 0) startChild(parts, folder, traceFile, command, before);
+  childPid = child;
+  struct sigaction action {};
+  action.sa_handler = SIG_IGN;
+  for (const int number : {SIGINT, SIGQUIT}) sigaction(number, &action, nullptr);
+  action.sa_handler = passOn;
+  for (const int number : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) sigaction(number, &action, nullptr);
+  sigprocmask(SIG_SETMASK, &before, nullptr);
+
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFSIGNALED(status) ? kSignalStatus + WTERMSIG(status) : WEXITSTATUS(status);
+}

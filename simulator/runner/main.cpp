@@ -1,0 +1,67 @@
+// ovgpu-sim: runs a command on a simulated host.
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "command_runner.h"
+#include "fault_spec.h"
+#include "host_document.h"
+#include "host_error.h"
+#include "host_folder.h"
+#include "host_reader.h"
+#include "installation.h"
+#include "options.h"
+
+namespace {
+
+constexpr int kOwnError = 2;
+constexpr const char* kDefaultHost = "bare";
+
+int listHosts(const HostLibrary& library) {
+  size_t width = 0;
+  const auto hosts = library.list();
+  for (const auto& host : hosts) width = std::max(width, host.first.size());
+  for (const auto& [name, description] : hosts) {
+    std::cout << name << std::string(width + 2 - name.size(), ' ') << description << "\n";
+  }
+  return 0;
+}
+
+std::vector<FaultSpec> parseFaults(const Host& host, const std::vector<std::string>& given) {
+  std::vector<FaultSpec> faults;
+  for (const std::string& specification : host.faults) faults.push_back(parseFault(specification));
+  for (const std::string& specification : given) faults.push_back(parseFault(specification));
+  return faults;
+}
+
+int run(const Options& options) {
+  if (options.help) {
+    std::cout << optionsHelp() << faultHelp();
+    return 0;
+  }
+  const Installation parts = findInstallation();
+  const HostLibrary library(parts.hosts);
+  if (options.listHosts) return listHosts(library);
+  checkCommand(options.command.front());
+  const Host host = readHost(library.load(options.host.value_or(kDefaultHost)));
+  const std::vector<FaultSpec> faults = parseFaults(host, options.faults);
+  HostFolder folder(options.stateFolder.value_or(""));
+  folder.prepare(host, faults);
+  const std::string trace =
+      options.traceFile ? std::filesystem::absolute(*options.traceFile).string() : std::string();
+  return runCommand(parts, folder, trace, options.command);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  try {
+    return run(parseOptions({arguments + 1, arguments + count}));
+  } catch (const HostError& error) {
+    std::cerr << "ovgpu-sim: " << error.what() << "\n";
+  } catch (const std::exception& error) {
+    std::cerr << "ovgpu-sim: " << error.what() << "\n";
+  }
+  return kOwnError;
+}

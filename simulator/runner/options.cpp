@@ -1,0 +1,73 @@
+#include "options.h"
+
+#include "hints.h"
+#include "host_error.h"
+
+namespace {
+
+constexpr std::string_view kHelp = R"(Runs a command as though on a machine with Orvane GPUs.
+
+  ovgpu-sim [--host NAME|FILE] [--state DIR] [--fault SPEC]... [--trace FILE] -- COMMAND [ARGUMENT]...
+  ovgpu-sim --list-hosts
+  ovgpu-sim --help
+
+  --host NAME|FILE   the machine: a name of --list-hosts, or a JSON file (has a "/" or ends in .json);
+                     "bare" without it
+  --state DIR        keeps the host in DIR, so that the next command finds it as this one leaves it;
+                     without it every run has a fresh host
+  --fault SPEC       makes trouble on purpose; can be given several times
+  --trace FILE       appends a line for every access of the host's files and every ioctl
+  --list-hosts       the hosts that can be named
+
+The exit status is that of the command, 128 + n when signal n ended it, 2 when ovgpu-sim itself fails,
+126 or 127 when the command cannot be started.
+
+)";
+
+}  // namespace
+
+std::string_view optionsHelp() {
+  return kHelp;
+}
+
+Options parseOptions(const std::vector<std::string>& arguments) {
+  Options options;
+  static const std::vector<std::string_view> kKnown{"--host",  "--state",      "--fault",
+                                                    "--trace", "--list-hosts", "--help"};
+  size_t i = 0;
+  for (; i < arguments.size() && arguments[i] != "--"; ++i) {
+    std::string name = arguments[i];
+    std::optional<std::string> value;
+    if (const size_t equals = name.find('='); name.starts_with("--") && equals != std::string::npos) {
+      value = name.substr(equals + 1);
+      name.resize(equals);
+    }
+    if (name == "--list-hosts" || name == "--help" || name == "-h") {
+      (name == "--list-hosts" ? options.listHosts : options.help) = true;
+      continue;
+    }
+    if (name != "--host" && name != "--state" && name != "--fault" && name != "--trace") {
+      if (!name.starts_with('-'))
+        throw HostError("the command must stand behind \"--\"; found \"" + name + "\"");
+      throw HostError("unknown option \"" + name + "\"" + hintFor(name, kKnown));
+    }
+    if (!value) {
+      if (i + 1 >= arguments.size() || arguments[i + 1] == "--") throw HostError(name + " needs a value");
+      value = arguments[++i];
+    }
+    if (name == "--fault") {
+      options.faults.push_back(*value);
+      continue;
+    }
+    auto& place = name == "--host"    ? options.host
+                  : name == "--state" ? options.stateFolder
+                                      : options.traceFile;
+    if (place) throw HostError(name + " is given twice");
+    place = *value;
+  }
+  if (i < arguments.size())
+    options.command.assign(arguments.begin() + static_cast<long>(i) + 1, arguments.end());
+  if (options.help || options.listHosts) return options;
+  if (options.command.empty()) throw HostError("no command; it stands behind \"--\"");
+  return options;
+}

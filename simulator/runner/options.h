@@ -1,0 +1,25 @@
+// The command line of ovgpu-sim.
+#ifndef OPTIONS_H
+#define OPTIONS_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct Options {
+  std::optional<std::string> host;
+  std::optional<std::string> stateFolder;
+  std::optional<std::string> traceFile;
+  std::vector<std::string> faults;
+  bool listHosts = false;
+  bool help = false;
+  std::vector<std::string> command;
+};
+
+/// Throws HostError with what is wrong.
+Options parseOptions(const std::vector<std::string>& arguments);
+
+std::string_view optionsHelp();
+
+#endif
