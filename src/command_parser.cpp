@@ -25,6 +25,9 @@ constexpr std::array<const char*, 8> kCodeTexts{
 constexpr const char* kIllegalValue = "Illegal value for '%s' options. Please run 'orvane-tolk -h' for help.";
 constexpr const char* kMissingValue = "Missing value for '%s' options. Please run 'orvane-tolk -h' for help.";
 
+/// Rows without a sub-command stand under this word, which nobody types.
+constexpr std::string_view kNoSubCommand = "";
+
 const char* textOf(ParseCode code) {
   const auto number = static_cast<std::size_t>(code);
   return number < kCodeTexts.size() ? kCodeTexts[number] : "";
@@ -68,23 +71,23 @@ std::shared_ptr<Step> CommandParser::valueError(const char* format) const {
   return commandError(formatMessage(format, option.c_str()), ExitCode::kUnsupported);
 }
 
-/// A blank and an equals sign part tokens alike, so no value can hold either.
+/// The tokens behind the empty one. A blank and an equals sign part tokens alike, so no value can hold
+/// either.
 std::vector<std::string_view> CommandParser::tokenise() const {
   constexpr std::string_view kSeparators = " =";
   const std::string_view text = command_;
-  std::vector<std::string_view> tokens;
+  std::vector<std::string_view> tokens{kNoSubCommand};
   for (auto begin = text.find_first_not_of(kSeparators); begin != std::string_view::npos;) {
     const auto end = std::min(text.find_first_of(kSeparators, begin), text.size());
     tokens.push_back(text.substr(begin, end - begin));
     begin = text.find_first_not_of(kSeparators, end);
   }
-  if (tokens.empty()) tokens.emplace_back();
   return tokens;
 }
 
-ParseCode CommandParser::parse(std::vector<std::string_view> tokens) {
-  // Rows without a sub-command stand under the empty word, which nobody types.
-  if (candidatesFor(tokens.front()).front().isOption()) tokens.insert(tokens.begin(), std::string_view());
+ParseCode CommandParser::parse(std::span<const std::string_view> tokens) {
+  const bool startsWithWord = tokens.size() > 1 && !candidatesFor(tokens[1]).front().isOption();
+  if (startsWithWord) tokens = tokens.subspan(1);
 
   for (const auto token : tokens) {
     auto candidates = candidatesFor(token);

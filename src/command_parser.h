@@ -44,7 +44,7 @@ class CommandParser : public Step {
   };
 
   std::vector<std::string_view> tokenise() const;
-  ParseCode parse(std::vector<std::string_view> tokens);
+  ParseCode parse(std::span<const std::string_view> tokens);
   std::vector<ParsedRecord> candidatesFor(std::string_view token) const;
   ParseCode resolve(std::vector<ParsedRecord>& candidates, ParsedRecord*& chosen) const;
   ParseCode checkValues();

@@ -1,6 +1,7 @@
 #include "value_pattern.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <vector>
 
@@ -59,14 +60,25 @@ TEST(ValuePattern, LongestValueThatFitsHas8192Bytes) {
   }
 }
 
-TEST(ValuePattern, LongListsStayWithinTheStack) {
-  std::string ids = "0";
-  while (ids.size() + 2 <= 8192) ids += ",0";
-  EXPECT_TRUE(matchesPattern(pattern::kIdList, ids));
-  EXPECT_FALSE(matchesPattern(pattern::kIdList, ids.substr(0, ids.size() - 1) + "x"));
-  std::string words = "GpuId,Temp";
-  words.append(8192 - words.size(), 'a');
-  EXPECT_FALSE(matchesPattern(pattern::kMetricList, words));
+TEST(ValuePattern, LongValuesNeedLittleStack) {
+  constexpr std::size_t kStackBytes = 512 * 1024;
+  pthread_attr_t attributes;
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStackBytes), 0);
+  const auto matchAll = [](void*) -> void* {
+    std::string ids = "0";
+    while (ids.size() + 2 <= 8192) ids += ",0";
+    EXPECT_TRUE(matchesPattern(pattern::kIdList, ids));
+    EXPECT_FALSE(matchesPattern(pattern::kIdList, ids.substr(1)));
+    EXPECT_TRUE(matchesPattern(pattern::kText, std::string(8192, 'a')));
+    EXPECT_TRUE(matchesPattern(pattern::kMetricList, "GpuId,Temp," + std::string(8000, 'a')));
+    EXPECT_FALSE(matchesPattern(pattern::kMetricList, "GpuId,Temp" + std::string(8000, 'a')));
+    return nullptr;
+  };
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, &attributes, matchAll, nullptr), 0);
+  ASSERT_EQ(pthread_join(thread, nullptr), 0);
+  pthread_attr_destroy(&attributes);
 }
 
 }  // namespace
