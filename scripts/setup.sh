@@ -16,7 +16,6 @@ packages=(
   nlohmann-json3-dev:/usr/include/nlohmann/json.hpp
   libmbedtls-dev:/usr/include/mbedtls/aes.h
   libgtest-dev:/usr/include/gtest/gtest.h
-  libbenchmark-dev:/usr/include/benchmark/benchmark.h
 )
 
 missing_packages() {
