@@ -214,7 +214,7 @@ def run_table(runner, path):
             except Skip as reason:
                 skipped.append(str(reason))
             except Failure as failure:
-                failures.append(f"row {row['args']!r} on host {host!r}: {failure}")
+                failures.append(f"row {case['args']!r} on host {host!r}: {failure}")
     if changed:
         write_table(path, table)
     if failures:
