@@ -24,7 +24,7 @@ const PatternCase kCases[] = {
      {"", "00", "01", "0,", ",0", "0,,1", "0 1", "-1", "x"}},
     {pattern::kPositive, {"1", "90"}, {"", "0", "01", "1.5", "-1", "1,2"}},
     {pattern::kNumber, {"0", "007", "4294967296"}, {"", "-1", "1,2", "x", "1 2"}},
-    {pattern::kText, {"a", "/tmp/a.log", "\xc3\xa9", "a,b"}, {"", "a b", "a\tb", "a\n"}},
+    {pattern::kText, {"a", "logs/a.log", "\xc3\xa9", "a,b"}, {"", "a b", "a\tb", "a\n"}},
     {pattern::kWordList, {"MEMORY", "MEMORY,page_0"}, {"", "A,", ",A", "A-B", "a.b", "A B"}},
     {pattern::kFieldList, {"index", "memory.total,index", ".", "a..b"}, {"", "index,", "a-b", "index name"}},
     {pattern::kAccess, {"r", "w"}, {"", "rw", "R", "x"}},
