@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../../support/log_capture.h"
+#include "support/log_capture.h"
 
 namespace kelp {
 namespace {
@@ -19,9 +19,13 @@ EfuseData dataFrom(unsigned startBit, std::initializer_list<std::pair<std::size_
 }
 
 /// Fields 0 to 3 of 0x123456789A, 0xABC, 0x15, 0x0A on a chip of id 0x0230.
-EfuseData exampleFen1() { return dataFrom(2048, {{7, 0x3456789A}, {8, 0x556AF012}, {14, 0x02000030}}); }
+EfuseData exampleFen1() {
+  return dataFrom(2048, {{7, 0x3456789A}, {8, 0x556AF012}, {14, 0x02000030}});
+}
 /// The same fields on a chip of key 15.
-EfuseData exampleWold() { return dataFrom(0, {{8, 0x3456789A}, {9, 0x556AF012}, {10, 0x70100000}}); }
+EfuseData exampleWold() {
+  return dataFrom(0, {{8, 0x3456789A}, {9, 0x556AF012}, {10, 0x70100000}});
+}
 
 void expectExampleChip(const Stated<Efuse>& efuse) {
   ASSERT_TRUE(efuse.ok());
@@ -85,8 +89,7 @@ TEST(Efuse, OtherChipLinesCarryNoIdentity) {
   const Stated<Efuse> efuse = decodeEfuse(DevArch::kTor1, exampleFen1());
   EXPECT_EQ(efuse.state(), KelpReturn::kNotSupported);
   EXPECT_EQ(efuse.value().chipField0.state(), KelpReturn::kNotSupported);
-  EXPECT_TRUE(
-      log.has(LogLevel::kError, ">> AccessPoint::doExec<QueryEfuseCmd>(): Unsupported arch =  4 "));
+  EXPECT_TRUE(log.has(LogLevel::kError, ">> AccessPoint::doExec<QueryEfuseCmd>(): Unsupported arch =  4 "));
 }
 
 TEST(Efuse, DataThatEndsBeforeAFieldFailsWithAllFieldsUnset) {

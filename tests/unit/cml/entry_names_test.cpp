@@ -22,12 +22,43 @@ TEST(EntryNames, NumberBeyond64BitsIsNone) {
 TEST(EntryNames, FormsAreThoseOfTheExpressions) {
   const std::regex misc("ovgpu\\.[0-9]+");
   const std::regex address("[0-9a-zA-Z]{4,8}:[0-9a-zA-Z]{2}:[0-9a-zA-Z]{2}\\.[0-9a-zA-Z]{1}");
-  for (const char* const name :
-       {"", ".", "..", "ovgpu", "ovgpu.", "ovgpu.7", "ovgpu.7 ", " ovgpu.7", "ovgpu.-7", "ovgpu.+7", "ovgpu.0x7",
-        "ovgpu7", "ovgpuX7", "OVGPU.7", "ovgpu.7a", "ac_dev", "0000:41:00.0", "00000000:41:00.0", "000:41:00.0",
-        "000000000:41:00.0", "zZ09:zz:ZZ.z", "0000:41:00.", "0000:41:00.00", "0000:41:00x0", "0000-41:00.0",
-        "0000:4:00.0", "0000:411:00.0", "0000:41:0.0", "0000:41:000.0", ":41:00.0", "0000:41:00.\xE9",
-        "00_0:41:00.0", "0000:41:00.0 ", "bind", "unbind", "module", "new_id"}) {
+  for (const char* const name : {"",
+                                 ".",
+                                 "..",
+                                 "ovgpu",
+                                 "ovgpu.",
+                                 "ovgpu.7",
+                                 "ovgpu.7 ",
+                                 " ovgpu.7",
+                                 "ovgpu.-7",
+                                 "ovgpu.+7",
+                                 "ovgpu.0x7",
+                                 "ovgpu7",
+                                 "ovgpuX7",
+                                 "OVGPU.7",
+                                 "ovgpu.7a",
+                                 "ac_dev",
+                                 "0000:41:00.0",
+                                 "00000000:41:00.0",
+                                 "000:41:00.0",
+                                 "000000000:41:00.0",
+                                 "zZ09:zz:ZZ.z",
+                                 "0000:41:00.",
+                                 "0000:41:00.00",
+                                 "0000:41:00x0",
+                                 "0000-41:00.0",
+                                 "0000:4:00.0",
+                                 "0000:411:00.0",
+                                 "0000:41:0.0",
+                                 "0000:41:000.0",
+                                 ":41:00.0",
+                                 "0000:41:00.\xE9",
+                                 "00_0:41:00.0",
+                                 "0000:41:00.0 ",
+                                 "bind",
+                                 "unbind",
+                                 "module",
+                                 "new_id"}) {
     EXPECT_EQ(numberBehind("ovgpu.", name).has_value(), std::regex_match(name, misc)) << name;
     EXPECT_EQ(isPciAddress(name), std::regex_match(name, address)) << name;
   }

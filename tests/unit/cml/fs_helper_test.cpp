@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "../../support/log_capture.h"
 #include "linux/fs_helper.h"
+#include "support/log_capture.h"
 
 namespace kelp::linux_ {
 namespace {
@@ -203,7 +203,9 @@ TEST_F(FsHelperTest, SearchFindsAllNamesThatFit) {
 
 TEST_F(FsHelperTest, SearchOfAMissingFolderFails) {
   Names names;
-  EXPECT_EQ(FsHelper::searchEntries(path("missing"), [](const char*) { return true; }, names, kAllKinds), -1);
+  EXPECT_EQ(FsHelper::searchEntries(
+                path("missing"), [](const char*) { return true; }, names, kAllKinds),
+            -1);
   EXPECT_TRUE(names.empty());
 }
 
@@ -216,7 +218,9 @@ TEST_F(FsHelperTest, SearchForOneEntryWithoutAMatchGivesAnEmptyName) {
 
 TEST_F(FsHelperTest, SearchForOneEntryInAMissingFolderFails) {
   std::string name = "before";
-  EXPECT_EQ(FsHelper::searchEntry(path("missing"), [](const char*) { return true; }, name, kAllKinds), -1);
+  EXPECT_EQ(FsHelper::searchEntry(
+                path("missing"), [](const char*) { return true; }, name, kAllKinds),
+            -1);
   EXPECT_EQ(name, "");
 }
 
@@ -225,9 +229,13 @@ TEST_F(FsHelperTest, SortedSearchForOneEntryGivesTheFirstName) {
     write(name, "");
   }
   std::string name;
-  EXPECT_EQ(FsHelper::searchEntry(folder_, [](const char*) { return true; }, name, kOthers | kSorted), 0);
+  EXPECT_EQ(FsHelper::searchEntry(
+                folder_, [](const char*) { return true; }, name, kOthers | kSorted),
+            0);
   EXPECT_EQ(name, "a");
-  EXPECT_EQ(FsHelper::searchEntry(folder_, [](const char*) { return true; }, name, kOthers), 0);
+  EXPECT_EQ(FsHelper::searchEntry(
+                folder_, [](const char*) { return true; }, name, kOthers),
+            0);
   EXPECT_EQ(name.size(), 1U);
 }
 

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "../../support/log_capture.h"
+#include "support/log_capture.h"
 
 namespace kelp {
 namespace {
@@ -124,8 +124,8 @@ TEST(PcieConfigSpace, DecodersRefuseOtherCodesWithALine) {
   tolk_test::LogCapture log;
   for (const unsigned width : {0U, 3U, 12U, 32U}) {
     EXPECT_EQ(bitValueToWidth(width), 0U);
-    EXPECT_TRUE(log.has(LogLevel::kError, ">> PcieConfigSpace paser width, not support case:  " +
-                                              std::to_string(width) + " "));
+    EXPECT_TRUE(log.has(LogLevel::kError,
+                        ">> PcieConfigSpace paser width, not support case:  " + std::to_string(width) + " "));
   }
   for (const unsigned code : {0U, 8U, 15U}) {
     const std::string number = std::to_string(code);
