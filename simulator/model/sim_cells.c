@@ -202,10 +202,8 @@ void simReadSelection(const SimRecord* record, const uint8_t* bytes, SimSelectio
 
 SimRefusal simServeRecord(SimImage* image, const SimNode* node, const SimRecord* record,
                           SimSelection* selection, uint8_t* bytes) {
-  const int capable = (record->needs & SIM_NEEDS_MPC) ? simNumberOf(image, node, SIM_MPC_CAPABLE, 0) != 0
-                      : (record->needs & SIM_NEEDS_SABLINK)
-                          ? simNumberOf(image, node, SIM_SABLINK_CAPABLE, 0) != 0
-                          : 1;
+  const int capable =
+      !(record->needs & SIM_NEEDS_SABLINK) || simNumberOf(image, node, SIM_SABLINK_CAPABLE, 0) != 0;
   if (!(record->nodes & node->kind) || !capable) return refuse(SIM_NOT_SUPPORTED);
   if (record->needs & SIM_BLANK_ONES) {
     for (uint32_t i = 0; i < record->size; ++i) bytes[i] = 0xff;

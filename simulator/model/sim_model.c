@@ -460,14 +460,6 @@ int simFindNode(const SimImage* image, uint64_t device, uint64_t inode) {
   return -1;
 }
 
-int simFindNodeByName(const SimImage* image, uint32_t kinds, uint32_t number) {
-  const SimNode* const nodes = SIM_AT(image, const SimNode, nodes);
-  for (uint32_t i = 0; i < image->nodes.count; ++i) {
-    if ((nodes[i].kind & kinds) && nodes[i].number == number) return (int)i;
-  }
-  return -1;
-}
-
 void simNodeName(const SimNode* node, char name[SIM_NODE_NAME]) {
   const char* prefix = node->kind == SIM_NODE_RENDER ? "renderD"
                        : node->kind == SIM_NODE_CARD ? "card"

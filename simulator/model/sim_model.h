@@ -70,7 +70,6 @@ int simIoctl(SimImage* image, SimCall* call);
 
 // Index of the node, or -1.
 int simFindNode(const SimImage* image, uint64_t device, uint64_t inode);
-int simFindNodeByName(const SimImage* image, uint32_t kinds, uint32_t number);
 
 // The node's name as it stands in its folder, NUL-ended: ovgpu.3, renderD131, card3.
 enum { SIM_NODE_NAME = 24 };

@@ -49,10 +49,9 @@ typedef struct SimRows {
 } SimRows;
 
 enum {
-  SIM_NEEDS_MPC = 1,      // the device can be switched into MPC mode
-  SIM_NEEDS_SABLINK = 2,  // the device has Sablink ports
-  SIM_NEEDS_KEY = 4,      // what the request selects must be on this device, else it does not support it
-  SIM_BLANK_ONES = 8,     // what no field writes comes back as ones
+  SIM_NEEDS_SABLINK = 1,  // the device has Sablink ports
+  SIM_NEEDS_KEY = 2,      // what the request selects must be on this device, else it does not support it
+  SIM_BLANK_ONES = 4,     // what no field writes comes back as ones
 };
 
 typedef struct SimRecord {

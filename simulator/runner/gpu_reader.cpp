@@ -463,6 +463,9 @@ void GpuReader::addInstances(const Device& parent, size_t parentNode, const Json
     device.misc = takeNumber(gpu, "misc", 0, miscIds, 0);
     CellMap& cells = device.cells;
     cells.clear();
+    setProcesses(gpu, cells, host);
+    setDisplays(gpu, cells);
+    setVpuCores(gpu, cells);
     readValues(gpu.require("values"), defaults, cells);
     setNumber(cells, SIM_MEMORY_TOTAL, profile.require("memory").number() << 20);
     setNumber(cells, SIM_CORE_COUNT, profile.require("cores").number());
@@ -471,9 +474,6 @@ void GpuReader::addInstances(const Device& parent, size_t parentNode, const Json
     setNumber(cells, SIM_PARENT_MISC_ID, parent.misc);
     setProfileRow(cells, profile, SIM_OWN_PROFILE_ID, SIM_OWN_PROFILE_NAME, SIM_OWN_PROFILE_CORES,
                   SIM_OWN_PROFILE_MEMORY, i << 8, 0);
-    setProcesses(gpu, cells, host);
-    setDisplays(gpu, cells);
-    setVpuCores(gpu, cells);
     // What is said of the instance itself comes before what its profile makes it.
     const auto overrides = given ? entries[i].find("values") : std::nullopt;
     if (overrides) readValues(*overrides, defaults, cells);
@@ -517,10 +517,10 @@ void GpuReader::read(const JsonCursor& entry, const json& defaults, uint64_t cop
   device.kind = mpc ? SIM_NODE_PARENT : SIM_NODE_PLAIN;
   device.misc = takeNumber(gpu, "misc", copy, miscIds, 0);
 
-  readValues(gpu.require("values"), defaultsOf(device.family)["values"], device.cells);
   setProcesses(gpu, device.cells, host);
   setDisplays(gpu, device.cells);
   setVpuCores(gpu, device.cells);
+  readValues(gpu.require("values"), defaultsOf(device.family)["values"], device.cells);
   host.functions.push_back(std::move(function));
   if (!mpc) {
     addNode(device, gpu, copy);

@@ -17,16 +17,18 @@ size_t editDistance(std::string_view a, std::string_view b) {
       row[j + 1] = std::min({row[j] + 1, row[j + 1] + 1, replaced});
     }
   }
-  return row.back();
+  return row[b.size()];
 }
 
 }  // namespace
 
 std::string hintFor(std::string_view name, const std::vector<std::string_view>& candidates) {
   std::string_view nearest;
-  size_t best = std::max<size_t>(2, name.size() / 3) + 1;
+  // In halves, so that a name that was only begun comes before one that is as far away.
+  size_t best = 2 * std::max<size_t>(2, name.size() / 3) + 1;
   for (const std::string_view candidate : candidates) {
-    const size_t distance = editDistance(name, candidate);
+    size_t distance = 2 * editDistance(name, candidate);
+    if (name.size() > 2 && candidate.starts_with(name)) distance = std::min<size_t>(distance, 4) - 1;
     if (distance < best) {
       best = distance;
       nearest = candidate;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
-#include <map>
+#include <set>
 
 #include "hints.h"
 #include "host_error.h"
@@ -68,14 +68,10 @@ fs::path HostLibrary::findFile(const std::string& nameOrFile) const {
     fs::path file = folder / (nameOrFile + ".json");
     if (std::error_code error; fs::exists(file, error)) return file;
   }
-  const auto known = list();
-  std::vector<std::string_view> names;
+  const std::vector<std::string> known = names();
   std::string all;
-  for (const auto& host : known) {
-    names.push_back(host.first);
-    all += (all.empty() ? "" : ", ") + host.first;
-  }
-  throw HostError("no host \"" + nameOrFile + "\"" + hintFor(nameOrFile, names) +
+  for (const std::string& name : known) all += (all.empty() ? "" : ", ") + name;
+  throw HostError("no host \"" + nameOrFile + "\"" + hintFor(nameOrFile, {known.begin(), known.end()}) +
                   (all.empty() ? " (no hosts were found)" : " (" + all + ")"));
 }
 
@@ -110,16 +106,13 @@ HostDocument HostLibrary::loadFile(const fs::path& file, std::vector<fs::path> c
   return document;
 }
 
-std::vector<std::pair<std::string, std::string>> HostLibrary::list() const {
-  std::map<std::string, std::string> hosts;
+std::vector<std::string> HostLibrary::names() const {
+  std::set<std::string> found;
   for (const fs::path& folder : folders) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder, error)) {
-      if (entry.path().extension() != ".json") continue;
-      const nlohmann::json json = parseFile(entry.path());
-      hosts.try_emplace(entry.path().stem().string(),
-                        json.is_object() ? json.value("description", std::string()) : std::string());
+      if (entry.path().extension() == ".json") found.insert(entry.path().stem().string());
     }
   }
-  return {hosts.begin(), hosts.end()};
+  return {found.begin(), found.end()};
 }

@@ -20,8 +20,8 @@ class HostLibrary {
   /// By name, or by file when the text has a "/" or ends in ".json".
   HostDocument load(const std::string& nameOrFile) const;
 
-  /// Names with their descriptions, sorted.
-  std::vector<std::pair<std::string, std::string>> list() const;
+  /// All that can be named, sorted.
+  std::vector<std::string> names() const;
 
  private:
   std::filesystem::path findFile(const std::string& nameOrFile) const;

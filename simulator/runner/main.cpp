@@ -19,11 +19,12 @@ constexpr int kOwnError = 2;
 constexpr const char* kDefaultHost = "bare";
 
 int listHosts(const HostLibrary& library) {
+  const std::vector<std::string> names = library.names();
   size_t width = 0;
-  const auto hosts = library.list();
-  for (const auto& host : hosts) width = std::max(width, host.first.size());
-  for (const auto& [name, description] : hosts) {
-    std::cout << name << std::string(width + 2 - name.size(), ' ') << description << "\n";
+  for (const std::string& name : names) width = std::max(width, name.size());
+  for (const std::string& name : names) {
+    const nlohmann::json host = library.load(name).json;
+    std::cout << name << std::string(width + 2 - name.size(), ' ') << host.value("description", "") << "\n";
   }
   return 0;
 }

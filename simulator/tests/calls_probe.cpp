@@ -1,0 +1,132 @@
+// Asks a node of the host as the driver's tool would, from the command line.
+//
+//   sim_calls_probe status NODE INTERFACE VERSION SIZE [BYTE...]   prints the status, then the payload
+//   sim_calls_probe set-ecc NODE MODE
+//   sim_calls_probe many NODE COUNT THREADS                        prints how many calls failed
+//   sim_calls_probe time | exit STATUS | kill SIGNAL | open PATH | cat PATH | fork NODE
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+struct Answer {
+  int error = 0;
+  uint32_t status = 0;
+  std::vector<unsigned char> payload;
+};
+
+Answer call(int fd, unsigned interfaceName, unsigned version, std::vector<unsigned char> payload) {
+  std::vector<unsigned char> record(40 + payload.size());
+  const auto put = [&](size_t offset, uint64_t number, size_t width) {
+    std::memcpy(record.data() + offset, &number, width);
+  };
+  put(8, 2, 4);
+  put(12, 16 + payload.size(), 4);
+  put(24, interfaceName, 2);
+  put(26, version, 1);
+  put(28, payload.size(), 4);
+  if (!payload.empty()) std::memcpy(record.data() + 40, payload.data(), payload.size());
+  Answer answer;
+  // Through an int, as a program may do it: the sign goes up into the long.
+  const int request = static_cast<int>(0xC0084DAF);
+  if (ioctl(fd, static_cast<unsigned long>(request), record.data()) != 0) answer.error = errno;
+  std::memcpy(&answer.status, record.data() + 4, 4);
+  answer.payload.assign(record.begin() + 40, record.end());
+  return answer;
+}
+
+int openNode(const std::string& name) {
+  const int fd = open(("/dev/" + name).c_str(), O_RDWR);
+  if (fd < 0) {
+    std::printf("open %s\n", std::strerror(errno));
+    std::exit(1);
+  }
+  return fd;
+}
+
+int many(const std::string& node, int count, int threads) {
+  const int fd = openNode(node);
+  std::atomic<int> failures = 0;
+  std::vector<std::thread> workers;
+  for (int i = 0; i < threads; ++i) {
+    workers.emplace_back([&] {
+      for (int n = 0; n < count; ++n) {
+        const Answer answer = call(fd, 67, 0, std::vector<unsigned char>(20));
+        if (answer.error != 0 || answer.status != 0) ++failures;
+      }
+    });
+  }
+  for (std::thread& worker : workers) worker.join();
+  std::printf("%d\n", failures.load());
+  return 0;
+}
+
+// Parent and child ask through one descriptor, which was duplicated besides.
+int forked(const std::string& node) {
+  const int fd = dup(openNode(node));
+  const pid_t child = fork();
+  const Answer answer = call(fd, 67, 0, std::vector<unsigned char>(20));
+  if (child == 0) _exit(answer.error ? 1 : 0);
+  int status = 0;
+  waitpid(child, &status, 0);
+  std::printf("%d %d\n", answer.error, WEXITSTATUS(status));
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const std::vector<std::string> words(arguments + 1, arguments + count);
+  const std::string& what = words.at(0);
+  const auto number = [&](size_t i) { return std::stoi(words.at(i), nullptr, 0); };
+  if (what == "status") {
+    std::vector<unsigned char> payload(static_cast<size_t>(number(4)));
+    for (size_t i = 5; i < words.size(); ++i) payload.at(i - 5) = static_cast<unsigned char>(number(i));
+    const Answer answer = call(openNode(words.at(1)), static_cast<unsigned>(number(2)),
+                               static_cast<unsigned>(number(3)), payload);
+    std::printf("%s %u", answer.error ? std::strerror(answer.error) : "ok", answer.status);
+    for (const unsigned char byte : answer.payload) std::printf(" %02x", byte);
+    std::printf("\n");
+    return 0;
+  }
+  if (what == "set-ecc") {
+    std::vector<unsigned char> payload(20);
+    payload[0] = static_cast<unsigned char>(number(2));
+    return call(openNode(words.at(1)), 49, 1, payload).status != 0;
+  }
+  if (what == "many") return many(words.at(1), number(2), number(3));
+  if (what == "fork") return forked(words.at(1));
+  if (what == "time") {
+    const std::time_t now = std::time(nullptr);
+    std::printf("%ld\n", static_cast<long>(now));
+    return 0;
+  }
+  if (what == "exit") return number(1);
+  if (what == "kill") return std::raise(number(1));
+  if (what == "open") {
+    const int fd = open(words.at(1).c_str(), O_RDONLY);
+    std::printf("%s\n", fd < 0 ? std::strerror(errno) : "ok");
+    return 0;
+  }
+  if (what == "cat") {
+    std::cout << std::ifstream(words.at(1)).rdbuf();
+    return 0;
+  }
+  return 1;
+}

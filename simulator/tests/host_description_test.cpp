@@ -1,0 +1,202 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "host_document.h"
+#include "host_error.h"
+#include "host_reader.h"
+#include "test_driver.h"
+
+namespace {
+
+std::string errorOf(const std::string& json) {
+  try {
+    hostFromText(json);
+  } catch (const HostError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+TEST(SimDescription, MistakesNameFileKeyAndExpectation) {
+  const struct {
+    const char* json;
+    const char* message;
+  } mistakes[] = {
+      {R"({"gpu": []})", "test.json: gpu: unknown key; did you mean \"gpus\"?"},
+      {R"({"gpus": {}})", "test.json: gpus: expected an array; found {}"},
+      {R"({"gpus": [{}]})", "test.json: gpus[0]: the key \"model\" (or \"device_id\") is missing"},
+      {R"({"gpus": [{"model": "B250A", "adress": "x"}]})",
+       "test.json: gpus[0].adress: unknown key; did you mean \"address\"?"},
+      {R"({"gpus": [{"model": "B250A", "address": "01:00.0"}]})",
+       "test.json: gpus[0].address: expected a PCI address such as \"0000:41:00.0\"; found \"01:00.0\""},
+      {R"({"gpus": [{"model": "B250A", "link": {"speed": 7}}]})",
+       "test.json: gpus[0].link.speed: expected a link speed in GT/s: 2.5, 5, 8, 16, 32 or 64; found 7"},
+      {R"({"gpus": [{"model": "B250A", "link": {"witdh": 8}}]})",
+       "test.json: gpus[0].link.witdh: unknown key; did you mean \"width\"?"},
+      {R"({"gpus": [{"model": "B250A", "values": {"temprature": 3}}]})",
+       "test.json: gpus[0].values.temprature: unknown value; did you mean \"temperature\"?"},
+      {R"({"gpus": [{"model": "B250A", "values": {"memory_total": "64 gigs"}}]})",
+       "test.json: gpus[0].values.memory_total: expected a whole number, or a text such as \"0x1f\" or "
+       "\"16GiB\"; "
+       "found \"64 gigs\""},
+      {R"({"gpus": [{"model": "B250A", "values": {"temperature": {"a": 3}}}]})",
+       "test.json: gpus[0].values.temperature.a: the key must be 1 number; found \"a\""},
+      {R"({"gpus": [{"model": "B250A", "values": {"fan_speed": {"1": 3}}}]})",
+       "test.json: gpus[0].values.fan_speed.1: the key must be 2 numbers with commas between; found \"1\""},
+      {R"({"gpus": [{"model": "B250A", "values": {"pstate": {"errno": "EWHAT"}}}]})",
+       "test.json: gpus[0].values.pstate.errno: expected the name of an errno, such as \"EIO\"; found "
+       "\"EWHAT\""},
+      {R"({"gpus": [{"model": "B250A", "values": {"pstate": {"status": 5, "errno": "EIO"}}}]})",
+       "test.json: gpus[0].values.pstate: only one of status, errno, steps and cycle can be given"},
+      {R"({"gpus": [{"model": "B250A", "values": {"pstate": []}}]})",
+       "test.json: gpus[0].values.pstate: expected at least one step; found []"},
+      {R"({"gpus": [{"model": "B250A", "address": "0000:01:00.0"}, {"model": "B250A", "address": "0000:01:00.0"}]})",
+       "test.json: gpus[1]: the address 0000:01:00.0 is taken by another GPU"},
+      {R"({"gpus": [{"model": "B250A", "misc": 4}, {"model": "B250A", "misc": 4}]})",
+       "test.json: gpus[1].misc: the number 4 is taken by another device"},
+      {R"({"gpus": [{"model": "B250A", "processes": [{"pid": 3}]}]})",
+       "test.json: gpus[0].processes[0]: the key \"gpu_memory\" is missing"},
+      {R"({"gpus": [{"model": "B250A", "processes": [{"pid": -3, "gpu_memory": 1}]}]})",
+       "test.json: gpus[0].processes[0].pid: expected a whole number from 0 to 4294967295; found -3"},
+      {R"({"gpus": [{"model": "B240", "mpc": {"profiles": [], "configurations": [], "current": 3}}]})",
+       "test.json: gpus[0].mpc.current: expected the id of one of the configurations; found 3"},
+      {R"({"protocol": 2})",
+       "test.json: protocol: expected 1, 0, \"none\", or {\"major\": N, \"minor\": N} for what the probe "
+       "answers; "
+       "found 2"},
+      {R"({"time": "yesterday"})",
+       "test.json: time: expected seconds since the epoch, or UTC as \"2025-11-20 17:40:12\"; found "
+       "\"yesterday\""},
+      {R"({"files": {"/home/x": ""}})",
+       "test.json: files[\"/home/x\"]: not a path that a host has; those are below /sys, /proc, /dev and "
+       "/var/log/ovgpu, and /etc/ovparams"},
+      {R"({"processes": {"4242": {"cmd": []}}})",
+       "test.json: processes.4242.cmd: unknown key; did you mean \"cmdline\"?"},
+      {R"({"packages": {"apt": {}}})", "test.json: packages.apt: unknown key; did you mean \"rpm\"?"},
+      {R"({"interfaces": {"56": [1]}})",
+       "test.json: interfaces.56: expected a version, or [lowest, highest]; found [1]"},
+  };
+  for (const auto& row : mistakes) EXPECT_EQ(errorOf(row.json), row.message);
+}
+
+TEST(SimDescription, UnknownModelListsTheKnownOnes) {
+  const std::string message = errorOf(R"({"gpus": [{"model": "B999"}]})");
+  EXPECT_TRUE(message.starts_with("test.json: gpus[0].model: expected one of OVT A11, OVT A13,")) << message;
+  EXPECT_TRUE(message.ends_with("OVT B250D, OVT T1; found \"B999\"")) << message;
+}
+
+TEST(SimDescription, GpusGetAddressesAndNumbersOfTheirOwn) {
+  const Host host = hostFromText(R"({"gpus": [{"model": "B250A", "repeat": 18}]})");
+  ASSERT_EQ(host.functions.size(), 18u);
+  EXPECT_EQ(host.functions[0].address, "0000:01:00.0");
+  EXPECT_EQ(host.functions[1].address, "0000:11:00.0");
+  EXPECT_EQ(host.functions[16].address, "0001:01:00.0");
+  EXPECT_EQ(host.functions[17].miscIds, std::vector<uint32_t>{17});
+  EXPECT_EQ(host.functions[17].renderIds, std::vector<uint32_t>{145});
+  EXPECT_EQ(host.functions[1].upstream, (std::vector<std::string>{"pci0000:10", "0000:10:01.0"}));
+}
+
+TEST(SimDescription, RepeatedAddressCountsItsBusUp) {
+  const Host host = hostFromText(R"({"gpus": [{"model": "B250A", "address": "0000:41:00.0", "repeat": 3}]})");
+  EXPECT_EQ(host.functions[2].address, "0000:43:00.0");
+  EXPECT_EQ(host.functions[2].upstream.front(), "pci0000:40");
+}
+
+TEST(SimDescription, DeviceIdDecidesOnTheFamily) {
+  const Host host = hostFromText(R"({"gpus": [{"device_id": "0x010F"}, {"device_id": "0x0599"}]})");
+  EXPECT_EQ(host.functions[0].deviceId, 0x010F);
+  EXPECT_EQ(host.functions[1].deviceId, 0x0599);
+}
+
+TEST(SimDescription, DefaultsOfAllGpusGiveWayToTheEntry) {
+  TestDriver driver(R"({"gpu_defaults": {"model": "B250A", "values": {"pstate": 3, "utilization": 4}},
+                        "gpus": [{}, {"values": {"pstate": 5}}]})");
+  Record payload(0);
+  driver.call("ovgpu.0", 67, 0, 20, payload);
+  EXPECT_EQ(payload.get(0, 4), 3u);
+  driver.call("ovgpu.1", 67, 0, 20, payload);
+  EXPECT_EQ(payload.get(0, 4), 5u);
+  driver.call("ovgpu.1", 2, 3, 92, payload);
+  EXPECT_EQ(payload.get(0, 4), 4u);
+}
+
+TEST(SimDescription, OneTemperatureStandsForAllSensorsOfTheFamily) {
+  TestDriver driver(R"({"gpus": [{"model": "B240", "values": {"temperature": 41000}}]})");
+  for (const unsigned sensor : {0u, 9u, 18u, 27u, 36u}) {
+    Record payload = Record(24).put(0, 4, sensor);
+    EXPECT_EQ(driver.call("ovgpu.0", 56, 1, payload), 0) << sensor;
+    EXPECT_EQ(payload.get(4, 4), 41000u);
+  }
+  Record other = Record(24).put(0, 4, 10);
+  EXPECT_EQ(driver.call("ovgpu.0", 56, 1, other), 12);
+}
+
+TEST(SimDescription, InstancesDoNotTakeOverWhatTheirParentSaysOfItself) {
+  TestDriver driver(R"({"gpus": [{"model": "B240", "values": {"pstate": {"status": 5}}, "mpc": {
+      "profiles": [{"id": 3, "name": "p", "cores": 1, "memory": 16}],
+      "configurations": [{"id": 0, "name": "c", "profiles": [3]}], "current": 0}}]})");
+  Record payload(0);
+  EXPECT_EQ(driver.call("ovgpu.0", 67, 0, 20, payload), 5);
+  EXPECT_EQ(driver.call("ovgpu.1", 67, 0, 20, payload), 0);
+}
+
+TEST(SimDescription, ProcessesThatAreNotDescribedAreUnknown) {
+  const Host host = hostFromText(R"({"gpus": [{"model": "B250A", "processes": [
+      {"pid": 1, "gpu_memory": 1}, {"pid": 2, "gpu_memory": 1}]}], "processes": {"2": {"cmdline": ["a", "b"]}}})");
+  EXPECT_EQ(host.unknownPids, std::vector<uint64_t>{1});
+  EXPECT_EQ(host.processes.at(2), std::string("a\0b\0", 4));
+}
+
+class SimLibraryOfHosts : public testing::Test {
+ protected:
+  SimLibraryOfHosts() {
+    char pattern[] = "/tmp/sim-hosts.XXXXXX";
+    folder = mkdtemp(pattern);
+  }
+  ~SimLibraryOfHosts() override { std::filesystem::remove_all(folder); }
+
+  void write(const std::string& name, const std::string& text) { std::ofstream(folder / name) << text; }
+
+  std::string errorOfLoading(const std::string& name) {
+    try {
+      readHost(HostLibrary({folder}).load(name));
+    } catch (const HostError& error) {
+      return error.what();
+    }
+    return {};
+  }
+
+  std::filesystem::path folder;
+};
+
+TEST_F(SimLibraryOfHosts, HostThatExtendsAnotherPatchesItsGpus) {
+  write("base.json",
+        R"({"time": 5, "gpus": [{"model": "B250A", "values": {"pstate": 3}}, {"model": "B250A"}]})");
+  write("more.json", R"({"extends": "base", "driver_mode": 0,
+                         "gpus": {"0": {"values": {"utilization": 9}}, "1": {"model": "B230"}}})");
+  const Host host = readHost(HostLibrary({folder}).load("more"));
+  EXPECT_EQ(host.time, 5);
+  EXPECT_EQ(host.driverMode, "0");
+  EXPECT_EQ(host.functions[1].deviceId, 0x0230);
+  EXPECT_EQ(host.nodes[0].cells.at({SIM_PSTATE, 0}).number, 3u);
+  EXPECT_EQ(host.nodes[0].cells.at({SIM_UTILIZATION, 0}).number, 9u);
+}
+
+TEST_F(SimLibraryOfHosts, MistakesAreNamed) {
+  write("circle.json", R"({"extends": "circle"})");
+  write("broken.json", "{\n \"gpus\": [,]\n}");
+  write("place.json", R"({"extends": "one", "gpus": {"7": {}}})");
+  write("one.json", R"({"gpus": [{"model": "B250A"}]})");
+  const std::string in = folder.string() + "/";
+  EXPECT_EQ(errorOfLoading("circle"), in + "circle.json: extends: the host extends itself");
+  EXPECT_EQ(errorOfLoading("place"),
+            in + "place.json: gpus.7: expected the place of a GPU entry of the extended host, 0 to 0");
+  EXPECT_EQ(errorOfLoading("on"), "no host \"on\"; did you mean \"one\"? (broken, circle, one, place)");
+  EXPECT_EQ(errorOfLoading("./absent.json"), "./absent.json: the host description cannot be opened");
+  EXPECT_TRUE(errorOfLoading("broken").starts_with(in + "broken.json: parse error at line 2, column 11"))
+      << errorOfLoading("broken");
+}
+
+}  // namespace

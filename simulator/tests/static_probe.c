@@ -1,0 +1,2 @@
+// A program that no preload gets into.
+int main(void) { return 0; }
