@@ -154,7 +154,6 @@ SHELL_EXPORT ssize_t __readlinkat_chk(int folder, const char* path, char* text, 
   return readLinkAt(folder, path, text, size);
 }
 
-// A resolved path of the host begins with the folder of its tree, which the program must not see.
 static char* resolve(const char* path, char* resolved) {
   typedef char* (*Resolve)(const char*, char*);
   Access look;
@@ -166,11 +165,7 @@ static char* resolve(const char* path, char* resolved) {
     answer = REAL(Resolve, "realpath")(look.host, resolved);
   }
   accessEnd(&look, !answer);
-  const size_t prefix = look.shell->treeLength;
-  if (answer && strncmp(answer, look.shell->tree, prefix) == 0 && answer[prefix] == '/') {
-    memmove(answer, answer + prefix, strlen(answer + prefix) + 1);
-  }
-  return answer;
+  return accessHidePrefix(look.shell, answer);
 }
 
 SHELL_EXPORT char* realpath(const char* path, char* resolved) {

@@ -192,7 +192,7 @@ void TreeWriter::applyExtras(const Host& host) {
 
 void TreeWriter::write(const Host& host) {
   for (const char* const folder : {"/sys/bus/pci/devices", "/sys/bus/pci/drivers", "/sys/class",
-                                   "/sys/devices", "/sys/bus/platform/drivers"}) {
+                                   "/sys/devices", "/sys/bus/platform/drivers", "/var/log", "/etc"}) {
     addFolder(folder);
   }
   if (host.loaded) writeDriver(host);

@@ -173,6 +173,24 @@ void checkQueue() {
   close(queue);
 }
 
+void checkChanges() {
+  const fs::path folder = "/var/log/ovgpu/a/b";
+  std::error_code error;
+  CHECK(fs::create_directories(folder, error));
+  CHECK(fs::is_directory(folder));
+  std::ofstream(folder / "one") << "text";
+  CHECK(std::rename((folder / "one").c_str(), (folder / "two").c_str()) == 0);
+  CHECK(!fs::exists(folder / "one") && fs::file_size(folder / "two") == 4);
+  CHECK(fs::remove(folder / "two", error));
+  CHECK(rmdir(folder.c_str()) == 0);
+  CHECK(fs::remove_all("/var/log/ovgpu/a", error) == 1);
+  CHECK(chdir(kFunction) == 0);
+  char text[PATH_MAX];
+  CHECK(getcwd(text, sizeof text) && std::strcmp(text, kRealFunction) == 0);
+  CHECK(access("vendor", F_OK) == 0);
+  CHECK(chdir("/") == 0);
+}
+
 void checkMapping() {
   const int node = open(kNode, O_RDWR);
   void* const memory = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, node, 0);
@@ -191,5 +209,6 @@ int main() {
   checkMachine();
   checkQueue();
   checkMapping();
+  checkChanges();
   return failures;
 }

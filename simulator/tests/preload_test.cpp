@@ -135,6 +135,7 @@ TEST_F(SimPreload, TraceHasOneLineForEachAccess) {
               " open /sys/none; " + calls + " many ovgpu.0 50 4"});
   const std::vector<std::string> lines = linesOf(readText(trace));
   const auto count = [&](const std::string& line) { return std::count(lines.begin(), lines.end(), line); };
+  EXPECT_EQ(lines.size(), 206u) << "and no access of the simulator's own";
   EXPECT_EQ(count("open /dev/ovgpu.0 ok"), 2);
   EXPECT_EQ(count("open /dev/ovgpu.1 ok"), 1);
   EXPECT_EQ(count("open /sys/none ENOENT"), 1);
