@@ -28,14 +28,18 @@ void CommandAccessBase::startLog() const {
   if (debug == options.end()) return;
 
   auto& file = frontLogFile();
-  file.fileName = debug->second.front();
-  file.maxLines = kLogLines;
+  const auto& name = debug->second.front();
+  // The fields are set once: when a command is repeated, another thread's line may be on its way.
+  if (file.fileName != name) {
+    file.fileName = name;
+    file.maxLines = kLogLines;
+    file.minLevel = rusk::kPassEverything;
+    file.transform = rusk::encipherLine;
+    file.useTransform = true;
+  }
   if (!file.open()) {
     std::cout << "Error: Creating log file in unauthorized directory." << std::endl;
   }
-  file.minLevel = 0;
-  file.transform = rusk::encipherLine;
-  file.useTransform = true;
   frontLogger().add(&file);
   LumoAccessFactory::configureLog();
 }

@@ -73,6 +73,8 @@ LumoReturn LumoAccessFactory::configureLog() {
     TOLK_LOG(kError) << "get configuration of lumo's log failed, ret = " << ret;
     return LUMO_RETURN_UNKNOWN_ERROR;
   }
+  // A repeat of the command finds it set. Setting it again could meet a line that is on its way.
+  if (configuration.callbackLevel == kLibraryLogLevel && configuration.callback == logCallBack) return ret;
   configuration.callbackLevel = kLibraryLogLevel;
   configuration.callback = logCallBack;
   ret = wrapperLumo("lumoLogSetConfiguration", lumoLogSetConfiguration, &configuration);
