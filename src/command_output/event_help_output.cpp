@@ -24,7 +24,8 @@ constexpr std::string_view kLines[] = {
 }  // namespace
 
 std::shared_ptr<Step> EventHelpOutput::work() {
-  for (const auto line : kLines) std::cout << line << std::endl;
+  for (const auto line : kLines) std::cout << line << '\n';
+  std::cout << std::flush;
   return nullptr;
 }
 

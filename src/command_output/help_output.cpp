@@ -12,8 +12,9 @@ std::shared_ptr<Step> HelpOutput::work() {
   const bool shortText = driverMode() == DriverMode::kGuest;
   for (const auto& line : helpText()) {
     if (shortText && !line.inGuest) continue;
-    std::cout << std::setw(line.width) << line.left << line.right << std::endl;
+    std::cout << std::setw(line.width) << line.left << line.right << '\n';
   }
+  std::cout << std::flush;
   return nullptr;
 }
 

@@ -5,11 +5,11 @@
 namespace tolk {
 
 std::shared_ptr<Step> QueryGpuHelpOutput::work() {
-  std::cout << "List of valid properties to query for the switch \"--query-gpu\":" << std::endl << std::endl;
+  std::cout << "List of valid properties to query for the switch \"--query-gpu\":\n\n";
   for (const auto& field : queryGpuFields()) {
-    std::cout << '"' << field.name << '"' << std::endl;
-    std::cout << field.description << std::endl << std::endl;
+    std::cout << '"' << field.name << "\"\n" << field.description << "\n\n";
   }
+  std::cout << std::flush;
   return nullptr;
 }
 
