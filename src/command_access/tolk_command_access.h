@@ -3,7 +3,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "command_access/command_access_base.h"
-#include "lumo.h"
+#include "command_access/lumo_access/lumo_access_device.h"
 
 namespace tolk {
 
