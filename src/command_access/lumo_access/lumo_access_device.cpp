@@ -1,5 +1,8 @@
 #include "command_access/lumo_access/lumo_access_device.h"
 
+#include <algorithm>
+#include <array>
+
 #include "command_access/lumo_access/lumo_call.h"
 #include "command_access/lumo_access/pci_address_text.h"
 
@@ -14,11 +17,35 @@ constexpr std::size_t kTextSize = 256;
 constexpr unsigned kMpcTypeParent = 1;
 constexpr unsigned kMpcTypeInstance = 2;
 
+struct ReturnText {
+  LumoReturn code;
+  const char* text;
+};
+
+constexpr std::array kReturnTexts{
+    ReturnText{LUMO_RETURN_SUCCESS, "The operation was successful!"},
+    ReturnText{LUMO_RETURN_DRIVER_NOT_LOADED, "Orvane driver is not loaded!"},
+    ReturnText{LUMO_RETURN_DRIVER_ACCESS_FAILED, "Access to the driver is failed!"},
+    ReturnText{LUMO_RETURN_INVALID_ARGUMENT, "One or more supplied arguments is/are invalid!"},
+    ReturnText{LUMO_RETURN_NOT_SUPPORTED, "The requested operation is not available on target device!"},
+    ReturnText{LUMO_RETURN_INSUFFICIENT_PERMISSIONS, "The current user does not have permission for operation!"},
+    ReturnText{LUMO_RETURN_INSUFFICIENT_SIZE,
+               "The space allocated by user is insufficient to hold the requested data!"},
+    ReturnText{LUMO_RETURN_NOT_FOUND, "A query to find an object was unsuccessful!"},
+    ReturnText{LUMO_RETURN_INSUFFICIENT_MEMORY, "There is not enough system memory to finish the operation!"},
+    ReturnText{LUMO_RETURN_UNKNOWN_ERROR, "An internal unspecified error occurred!"},
+};
+
 unsigned mpcType(unsigned long long property) {
   return (property & LUMO_PROPERTY_MPC_TYPE_MASK) >> LUMO_PROPERTY_MPC_TYPE_SHIFT;
 }
 
 }  // namespace
+
+const char* LumoAccessDevice::getReturnText(LumoReturn code) {
+  const auto found = std::ranges::find(kReturnTexts, code, &ReturnText::code);
+  return found == kReturnTexts.end() ? kReturnTexts.back().text : found->text;
+}
 
 LumoReturn LumoAccessDevice::devGetIndex(std::uint32_t& index) const {
   return queryLumo(LUMO_ENTRY(lumoDeviceGetIndex), index, modules_.device);

@@ -64,6 +64,9 @@ class LumoAccessDevice {
   /// Inline ECC now and after the next reset, 0 off and 1 on.
   virtual LumoReturn memoryGetEccMode(std::uint32_t& current, std::uint32_t& pending) const;
 
+  /// What a status of a method means, for people; a code without a text of its own reads as 999.
+  static const char* getReturnText(LumoReturn code);
+
   void setLumoModuleSet(const LumoModuleSet& modules) { modules_ = modules; }
   const LumoModuleSet& getLumoModuleSet() const { return modules_; }
 

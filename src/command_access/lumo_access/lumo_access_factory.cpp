@@ -9,6 +9,26 @@ namespace {
 /// Information and all that is graver.
 constexpr unsigned kLibraryLogLevel = 4;
 
+/// The adaptor of a device whose own handle is there; null when one of its parts cannot be had.
+std::shared_ptr<LumoAccessDevice> makeDevice(LumoModuleSet& modules) {
+  LumoReturn ret = wrapperLumo("lumoDeviceInitGpu", lumoDeviceInitGpu, modules.device, &modules.gpu);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init gpu failed, ret = " << ret;
+    return nullptr;
+  }
+  ret = wrapperLumo("lumoDeviceInitVpu", lumoDeviceInitVpu, modules.device, &modules.vpu);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init vpu failed, ret = " << ret;
+    return nullptr;
+  }
+  ret = wrapperLumo("lumoDeviceInitMemory", lumoDeviceInitMemory, modules.device, &modules.memory);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "Init memory failed, ret = " << ret;
+    return nullptr;
+  }
+  return std::make_shared<LumoAccessDevice>(modules);
+}
+
 }  // namespace
 
 LumoAccessFactory::LumoAccessFactory()
@@ -41,28 +61,25 @@ LumoReturn LumoAccessFactory::initializeLumo() {
 std::shared_ptr<LumoAccessDevice> LumoAccessFactory::getAccessDeviceById(std::uint32_t id) const {
   TOLK_LOG(kTrace) << "devId = " << id;
   LumoModuleSet modules;
-  LumoReturn ret = wrapperLumo("lumoLibraryInitDeviceByIndex", lumoLibraryInitDeviceByIndex,
-                               library_->getLumoLibrary(), id, &modules.device);
+  const LumoReturn ret = wrapperLumo("lumoLibraryInitDeviceByIndex", lumoLibraryInitDeviceByIndex,
+                                     library_->getLumoLibrary(), id, &modules.device);
   if (ret != LUMO_RETURN_SUCCESS) {
     TOLK_LOG(kError) << "Init device failed, devId = " << id;
     return nullptr;
   }
-  ret = wrapperLumo("lumoDeviceInitGpu", lumoDeviceInitGpu, modules.device, &modules.gpu);
+  return makeDevice(modules);
+}
+
+std::shared_ptr<LumoAccessDevice> LumoAccessFactory::getAccessDeviceByUuid(const std::string& uuid) const {
+  TOLK_LOG(kTrace) << "uuid = " << uuid;
+  LumoModuleSet modules;
+  const LumoReturn ret = wrapperLumo("lumoLibraryInitDeviceByUuid", lumoLibraryInitDeviceByUuid,
+                                     library_->getLumoLibrary(), uuid.c_str(), &modules.device);
   if (ret != LUMO_RETURN_SUCCESS) {
-    TOLK_LOG(kError) << "Init gpu failed, ret = " << ret;
+    TOLK_LOG(kError) << "Init device failed, uuid = " << uuid;
     return nullptr;
   }
-  ret = wrapperLumo("lumoDeviceInitVpu", lumoDeviceInitVpu, modules.device, &modules.vpu);
-  if (ret != LUMO_RETURN_SUCCESS) {
-    TOLK_LOG(kError) << "Init vpu failed, ret = " << ret;
-    return nullptr;
-  }
-  ret = wrapperLumo("lumoDeviceInitMemory", lumoDeviceInitMemory, modules.device, &modules.memory);
-  if (ret != LUMO_RETURN_SUCCESS) {
-    TOLK_LOG(kError) << "Init memory failed, ret = " << ret;
-    return nullptr;
-  }
-  return std::make_shared<LumoAccessDevice>(modules);
+  return makeDevice(modules);
 }
 
 LumoReturn LumoAccessFactory::configureLog() {

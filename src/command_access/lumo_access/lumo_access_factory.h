@@ -25,6 +25,9 @@ class LumoAccessFactory {
   /// The adaptor of the device at a position of the library's order; null when there is none.
   std::shared_ptr<LumoAccessDevice> getAccessDeviceById(std::uint32_t id) const;
 
+  /// The same by the text of the library's uuid.
+  std::shared_ptr<LumoAccessDevice> getAccessDeviceByUuid(const std::string& uuid) const;
+
   /// Lets the library's log lines through to the front end's log. The library need not run for it.
   static LumoReturn configureLog();
 

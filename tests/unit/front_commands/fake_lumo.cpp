@@ -69,6 +69,9 @@ LumoReturn lumoLibraryFreeSystem(LumoSystem*) {
 LumoReturn lumoLibraryInitDeviceByIndex(LumoLibrary*, unsigned index, LumoDevice** device) {
   return answerValue(__func__, handleOf<LumoDevice>(8 + index), device);
 }
+LumoReturn lumoLibraryInitDeviceByUuid(LumoLibrary*, const char* uuid, LumoDevice** device) {
+  return answerValue((std::string(__func__) + " " + uuid).c_str(), handleOf<LumoDevice>(8), device);
+}
 LumoReturn lumoSystemGetDriverVersion(LumoSystem*, char* version, unsigned length) {
   return answerText(__func__, fakeLumo().version, version, length);
 }

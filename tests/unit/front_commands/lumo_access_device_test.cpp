@@ -254,6 +254,12 @@ TEST_F(LumoAccessDeviceTest, InstancesAreReadOneByOne) {
                                             "lumoDeviceGetIndex", "lumoDeviceGetMpcProfileInfo"));
 }
 
+TEST_F(LumoAccessDeviceTest, StatusHasATextForPeople) {
+  EXPECT_STREQ(LumoAccessDevice::getReturnText(LUMO_RETURN_SUCCESS), "The operation was successful!");
+  EXPECT_STREQ(LumoAccessDevice::getReturnText(LUMO_RETURN_NOT_FOUND), "A query to find an object was unsuccessful!");
+  EXPECT_STREQ(LumoAccessDevice::getReturnText(LUMO_RETURN_BUSY), "An internal unspecified error occurred!");
+}
+
 TEST_F(LumoAccessDeviceTest, OneInstanceThatCannotBeReadFailsThemAll) {
   fakeLumo().instanceCount = 2;
   for (const auto* entryPoint :

@@ -86,6 +86,24 @@ TEST_F(LumoAccessFactoryTest, DeviceTakesItsPartsInOrder) {
   EXPECT_TRUE(modules.device && modules.gpu && modules.vpu && modules.memory);
 }
 
+TEST_F(LumoAccessFactoryTest, DeviceByUuidIsTheSameDeviceByItsText) {
+  LumoAccessFactory factory;
+  factory.initializeLumo();
+  fakeLumo().calls.clear();
+  log_.lines.clear();
+  EXPECT_TRUE(factory.getAccessDeviceByUuid("the uuid"));
+  EXPECT_THAT(fakeLumo().calls, ElementsAre("lumoLibraryInitDeviceByUuid the uuid", "lumoDeviceInitGpu",
+                                            "lumoDeviceInitVpu", "lumoDeviceInitMemory"));
+  EXPECT_THAT(log_.lines, ElementsAre("T getAccessDeviceByUuid >> uuid =  the uuid "));
+}
+
+TEST_F(LumoAccessFactoryTest, UnknownUuidLeavesNoDeviceAndOneErrorLine) {
+  fakeLumo().fail("lumoLibraryInitDeviceByUuid x", {LUMO_RETURN_NOT_FOUND});
+  LumoAccessFactory factory;
+  EXPECT_FALSE(factory.getAccessDeviceByUuid("x"));
+  EXPECT_THAT(log_.of('E'), ElementsAre("getAccessDeviceByUuid >> Init device failed, uuid =  x "));
+}
+
 struct LostPart {
   const char* entryPoint;
   const char* line;
@@ -98,16 +116,16 @@ TEST_P(LostPartTest, LeavesNoDeviceAndOneErrorLine) {
   fakeLumo().fail(GetParam().entryPoint, {LUMO_RETURN_NOT_FOUND});
   LumoAccessFactory factory;
   EXPECT_FALSE(factory.getAccessDeviceById(5));
-  EXPECT_THAT(log_.of('E'), ElementsAre(std::string("getAccessDeviceById >> ") + GetParam().line));
+  EXPECT_THAT(log_.of('E'), ElementsAre(GetParam().line));
   EXPECT_EQ(fakeLumo().calls.size(), GetParam().callsMade);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     LumoAccessFactoryTest, LostPartTest,
-    testing::Values(LostPart{"lumoLibraryInitDeviceByIndex", "Init device failed, devId =  5 ", 1},
-                    LostPart{"lumoDeviceInitGpu", "Init gpu failed, ret =  7 ", 2},
-                    LostPart{"lumoDeviceInitVpu", "Init vpu failed, ret =  7 ", 3},
-                    LostPart{"lumoDeviceInitMemory", "Init memory failed, ret =  7 ", 4}),
+    testing::Values(LostPart{"lumoLibraryInitDeviceByIndex", "getAccessDeviceById >> Init device failed, devId =  5 ", 1},
+                    LostPart{"lumoDeviceInitGpu", "makeDevice >> Init gpu failed, ret =  7 ", 2},
+                    LostPart{"lumoDeviceInitVpu", "makeDevice >> Init vpu failed, ret =  7 ", 3},
+                    LostPart{"lumoDeviceInitMemory", "makeDevice >> Init memory failed, ret =  7 ", 4}),
     [](const auto& test) { return test.param.entryPoint; });
 
 TEST_F(LumoAccessFactoryTest, LogOfTheLibraryComesThroughTheCallback) {
