@@ -20,8 +20,8 @@
  * the list anew and gives LUMO_RETURN_INSUFFICIENT_SIZE, copying nothing, when it has grown past the
  * buffer.
  *
- * Threads.  Every function may be called from any thread at any time; queries of different devices
- * run at the same time.
+ * Threads.  Every function but the log's configuration may be called from any thread at any time;
+ * queries of different devices run at the same time.
  */
 #ifndef LUMO_H
 #define LUMO_H
@@ -88,7 +88,8 @@ typedef struct LumoLogConfiguration {
 } LumoLogConfiguration;
 
 /**
- * May be called before lumoLibraryInit, and concerns the whole process.
+ * May be called before lumoLibraryInit, and concerns the whole process. Not to be called while another
+ * thread uses the library: its lines look at these settings without a lock.
  * @return INVALID_ARGUMENT for a level above 4 or a path without terminator, NOT_SUPPORTED when the
  *         file cannot be opened
  */

@@ -40,7 +40,7 @@ std::uint64_t pciSbdfToUint64(std::string_view text) {
     from = last ? to : to + 1;
   }
   if (from != text.size()) {
-    KELP_LOG(kError) << "Convert" << text << "to uint64 failed";
+    KELP_LOG(kError) << "Convert " << text << " to uint64 failed";
     return 0;
   }
   return packSbdf(parts[0], parts[1], parts[2], parts[3]);
