@@ -19,11 +19,10 @@ class GpuReader {
  private:
   struct Device;
 
-  void readFunction(const JsonCursor& gpu, const JsonCursor& entry, uint64_t copy,
-                    PciFunction& function) const;
   void addNode(Device& device, const JsonCursor& gpu, uint64_t copy);
   void addInstances(const Device& parent, size_t parentNode, const JsonCursor& mpc,
                     const nlohmann::json& common);
+  void addProcesses(const std::vector<uint64_t>& pids);
   uint32_t takeNumber(const JsonCursor& gpu, std::string_view key, uint64_t copy, std::vector<uint32_t>& used,
                       uint32_t first) const;
 

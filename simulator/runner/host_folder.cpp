@@ -24,7 +24,8 @@ namespace {
 std::string placeForFolders() {
   if (const char* const chosen = std::getenv("TMPDIR"); chosen && *chosen) return chosen;
   constexpr const char* kInMemory = "/dev/shm";
-  return access(kInMemory, W_OK | X_OK) == 0 ? kInMemory : "/tmp";
+  if (access(kInMemory, W_OK | X_OK) == 0) return kInMemory;
+  return fs::temp_directory_path().string();
 }
 
 std::string canonical(const std::string& path) {

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "host_document.h"
 #include "host_error.h"
 #include "host_reader.h"
+#include "scratch_folder.h"
 #include "test_driver.h"
 
 namespace {
@@ -151,24 +149,20 @@ TEST(SimDescription, ProcessesThatAreNotDescribedAreUnknown) {
 
 class SimLibraryOfHosts : public testing::Test {
  protected:
-  SimLibraryOfHosts() {
-    char pattern[] = "/tmp/sim-hosts.XXXXXX";
-    folder = mkdtemp(pattern);
-  }
-  ~SimLibraryOfHosts() override { std::filesystem::remove_all(folder); }
+  void write(const std::string& name, const std::string& text) { folder.write(name, text); }
 
-  void write(const std::string& name, const std::string& text) { std::ofstream(folder / name) << text; }
+  Host load(const std::string& name) { return readHost(HostLibrary({folder.path}).load(name)); }
 
   std::string errorOfLoading(const std::string& name) {
     try {
-      readHost(HostLibrary({folder}).load(name));
+      load(name);
     } catch (const HostError& error) {
       return error.what();
     }
     return {};
   }
 
-  std::filesystem::path folder;
+  const ScratchFolder folder;
 };
 
 TEST_F(SimLibraryOfHosts, HostThatExtendsAnotherPatchesItsGpus) {
@@ -176,7 +170,7 @@ TEST_F(SimLibraryOfHosts, HostThatExtendsAnotherPatchesItsGpus) {
         R"({"time": 5, "gpus": [{"model": "B250A", "values": {"pstate": 3}}, {"model": "B250A"}]})");
   write("more.json", R"({"extends": "base", "driver_mode": 0,
                          "gpus": {"0": {"values": {"utilization": 9}}, "1": {"model": "B230"}}})");
-  const Host host = readHost(HostLibrary({folder}).load("more"));
+  const Host host = load("more");
   EXPECT_EQ(host.time, 5);
   EXPECT_EQ(host.driverMode, "0");
   EXPECT_EQ(host.functions[1].deviceId, 0x0230);
@@ -189,7 +183,7 @@ TEST_F(SimLibraryOfHosts, MistakesAreNamed) {
   write("broken.json", "{\n \"gpus\": [,]\n}");
   write("place.json", R"({"extends": "one", "gpus": {"7": {}}})");
   write("one.json", R"({"gpus": [{"model": "B250A"}]})");
-  const std::string in = folder.string() + "/";
+  const std::string in = folder / "";
   EXPECT_EQ(errorOfLoading("circle"), in + "circle.json: extends: the host extends itself");
   EXPECT_EQ(errorOfLoading("place"),
             in + "place.json: gpus.7: expected the place of a GPU entry of the extended host, 0 to 0");
