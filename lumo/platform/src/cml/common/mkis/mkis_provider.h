@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "common/mkis/mkis_intf.h"
-#include "kelp_log.h"
 
 namespace kelp {
 

@@ -1,7 +1,6 @@
 #include "linux/ap/access_point.h"
 
 #include <array>
-#include <cstdio>
 
 #include "common/efuse/efuse.h"
 #include "kelp_log.h"
@@ -27,11 +26,6 @@ constexpr std::array kLowestFirmware{
     LowestFirmware{DevArch::kFen2, 20001},
     LowestFirmware{DevArch::kTor1, 0},
 };
-
-template <class State>
-unsigned number(State state) {
-  return static_cast<unsigned>(state);
-}
 
 }  // namespace
 
@@ -61,13 +55,13 @@ Done AccessPoint::init() {
 Done AccessPoint::initMiscContext() {
   miscContext_.reset();
   auto context = std::make_unique<MiscMkisProvider>(miscName());
-  KelpReturn state = toKelpReturn(context->init().state());
-  if (state == KelpReturn::kSuccess) {
-    state = context->postInit().state();
+  if (const auto done = context->init(); !done.ok()) {
+    KELP_LOG(kError) << "misc context init failed, state = " << done.state();
+    return toKelpReturn(done.state());
   }
-  if (state != KelpReturn::kSuccess) {
-    KELP_LOG(kError) << "misc context init failed, state = " << number(state);
-    return state;
+  if (const auto done = context->postInit(); !done.ok()) {
+    KELP_LOG(kError) << "misc context init failed, state = " << done.state();
+    return done.state();
   }
   context->setArch(cuid_.arch);
 
@@ -92,7 +86,7 @@ Done AccessPoint::initMiscContext() {
 Stated<DevDesc> AccessPoint::describe(MiscMkisProvider& context) const {
   const auto intf = context.getIntf<MiscMkisIntfName::kQueryDevDesc>();
   if (!intf.ok()) {
-    KELP_LOG(kError) << "get description failed, state = " << number(intf.state());
+    KELP_LOG(kError) << "get description failed, state = " << intf.state();
   } else if (intf.value().operation) {
     if (auto desc = intf.value().operation(); desc.ok()) {
       return desc;
@@ -134,19 +128,19 @@ Done AccessPoint::initRenderContext() {
   const auto vpuEnabled = AccessOs::isVpuEnable();
   const Stated<std::string>& path = devDesc_.value().renderPath;
   if (cuid_.type == DevType::kMpcParent || !vpuEnabled.ok() || !vpuEnabled.value() || !path.ok()) {
-    KELP_LOG(kInfo) << "not init render context, device type is " << number(cuid_.type) << " vpu enable state is "
-                    << number(vpuEnabled.state()) << " vpu enable value is " << vpuEnabled.value();
+    KELP_LOG(kInfo) << "not init render context, device type is " << cuid_.type << " vpu enable state is "
+                    << vpuEnabled.state() << " vpu enable value is " << vpuEnabled.value();
     return 0;
   }
   const std::string nodeName = path.value().substr(path.value().rfind('/') + 1);
   auto context = std::make_unique<RenderMkisProvider>(nodeName, cuid_.arch);
-  if (const KelpReturn state = toKelpReturn(context->init().state()); state != KelpReturn::kSuccess) {
-    KELP_LOG(kError) << "render context init failed, state = " << number(state);
-    return state;
+  if (const auto done = context->init(); !done.ok()) {
+    KELP_LOG(kError) << "render context init failed, state = " << done.state();
+    return toKelpReturn(done.state());
   }
   if (const auto done = context->postInit(); !done.ok()) {
     // Without its cores the video engine answers "not supported"; the rest of the device works.
-    KELP_LOG(kError) << "render context init failed, state = " << number(done.state());
+    KELP_LOG(kError) << "render context init failed, state = " << done.state();
     return 0;
   }
   renderContext_ = std::move(context);
@@ -155,10 +149,10 @@ Done AccessPoint::initRenderContext() {
 
 Done AccessPoint::checkFwVersion() {
   const std::string& path = devDesc_.value().miscPath.value();
-  const unsigned arch = number(cuid_.arch);
+  const DevArch arch = cuid_.arch;
   const auto versions = doExec(QuerySmcFwVersionCmd());
   if (!versions.ok()) {
-    KELP_LOG(kError) << path << " read fw version failed, state = " << number(versions.state());
+    KELP_LOG(kError) << path << " read fw version failed, state = " << versions.state();
     return KelpReturn::kFailure;
   }
   const auto rtos = versions.value().find("rtos");
@@ -167,7 +161,7 @@ Done AccessPoint::checkFwVersion() {
     return KelpReturn::kFailure;
   }
   for (const LowestFirmware& row : kLowestFirmware) {
-    if (row.arch != cuid_.arch) {
+    if (row.arch != arch) {
       continue;
     }
     if (rtos->second.value() < row.version) {
@@ -185,7 +179,7 @@ Stated<PcieInfo> AccessPoint::doExec(const QueryPcieInfoCmd& /*cmd*/) {
   if (info.ok()) {
     return info;
   }
-  KELP_LOG(kError) << "get pci info from kmd error. error state is " << number(info.state());
+  KELP_LOG(kError) << "get pci info from kmd error. error state is " << info.state();
   const std::string sbdf = AccessOs::getPciBdfFromSysfs(miscName());
   if (sbdf.empty()) {
     return KelpReturn::kFailure;

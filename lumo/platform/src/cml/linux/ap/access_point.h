@@ -52,7 +52,7 @@ class AccessPoint : public AccessPointBase {
       return toKelpReturn(intf.state());
     }
     if (!intf.value().operation) {
-      return KelpReturn::kFailure;
+      return KelpReturn::kNotSupported;
     }
     return std::apply(intf.value().operation, cmd.params);
   }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 
 #include "kelp_log.h"
 #include "linux/ap/misc/mki_probe.h"
@@ -13,8 +14,9 @@ namespace {
 
 constexpr VersionRange kLocalProtocols{0, 0};
 
-// An interrupted probe is repeated; the bound keeps a driver that is busy for ever from hanging the tool.
-constexpr int kMostProbes = 10000;
+// An interrupted probe is repeated until it is answered; the bound keeps a driver that is busy for ever
+// from hanging the tool.
+constexpr std::chrono::seconds kLongestProbe{1};
 
 constexpr std::array kDefaultList{100000, 100001, 100002, 100003, 100004};
 
@@ -35,7 +37,7 @@ MkisStated<int> RenderMkisProvider::init() {
   }
   const auto probe = getMkisProbe(node.fd());
   if (!probe.ok()) {
-    KELP_LOG(kError) << "get mkis probe failed. error code is " << static_cast<unsigned>(probe.state());
+    KELP_LOG(kError) << "get mkis probe failed. error code is " << probe.state();
     remoteList_ = mkisListDefault();
     accessor_ = std::make_unique<RenderKernelAccessor>(std::move(node), arch_);
     return 0;
@@ -63,13 +65,11 @@ MkisStated<MkisProbe> RenderMkisProvider::getMkisProbe(int fd) const {
   KELP_LOG(kInfo) << "through mkis1.0 query mkis version failed use mkis0.0 for a try";
   auto& system = rusk::SyscallWrapper::instance();
   MkiQueryProbeV0 record{};
-  int result = -1;
-  for (int i = 0; i < kMostProbes; ++i) {
+  const auto end = std::chrono::steady_clock::now() + kLongestProbe;
+  int result = 0;
+  do {
     result = system.ioctl(fd, kRkiQueryProbeV0Request, &record);
-    if (result == 0 || (errno != EINTR && errno != EAGAIN)) {
-      break;
-    }
-  }
+  } while (result != 0 && (errno == EINTR || errno == EAGAIN) && std::chrono::steady_clock::now() < end);
   if (result != 0) {
     KELP_LOG(kError) << "through mkis0.0 query mkis version failed";
     return MkisError::kFailure;

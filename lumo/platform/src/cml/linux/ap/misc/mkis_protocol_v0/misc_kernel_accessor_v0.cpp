@@ -13,8 +13,7 @@ template <class Record, class Read>
 auto MiscKernelAccessorV0::query(std::string_view subject, Read read) const -> Stated<decltype(read(Record{}))> {
   Record record{};
   if (const KelpReturn state = access(fd(), record); state != KelpReturn::kSuccess) {
-    KELP_LOG(kError) << std::string("failed to query ").append(subject).append(", access error is ")
-                     << static_cast<u32>(state);
+    KELP_LOG(kError) << std::string("failed to query ").append(subject).append(", access error is ") << state;
     return state;
   }
   return read(record);

@@ -1,16 +1,22 @@
 #pragma once
 
 #include <string_view>
+#include <utility>
 
 #include "linux/ap/misc/misc_kernel_accessor_base.h"
 
 namespace kelp::linux_ {
 
 /// Protocol 0, for older drivers: every record is a request of its own, without header and status.
-/// Interfaces that this protocol lacks keep the base's empty slots.
+/// Interfaces that this protocol lacks keep the base's empty slots. Those that it has but that are not
+/// served yet list their version without an operation: a driver that lacks one must read as such, and not
+/// as one that speaks another protocol.
 class MiscKernelAccessorV0 : public MiscKernelAccessorBase {
  public:
   using MiscKernelAccessorBase::MiscKernelAccessorBase;
+
+  template <MiscMkisIntfName Name>
+  using Versions = decltype(MkisIntfSlot<Name>::versions(std::declval<MiscKernelAccessorBase&>()));
 
   MkisStated<RemoteList> mkisList(const MkisProbe& probe) override;
 
@@ -18,6 +24,22 @@ class MiscKernelAccessorV0 : public MiscKernelAccessorBase {
   VersionMap<Operation<MemoryUsage>> doQueryMemUsage() override;
   VersionMap<Operation<ProcessMemoryMap>> doQueryProcMemState() override;
   VersionMap<Operation<PcieInfo>> doQueryPciConfigData() override;
+
+#define NOT_SERVED(name) \
+  Versions<MiscMkisIntfName::k##name> do##name() override { return {{0, {}}}; }
+  NOT_SERVED(QueryDevDesc)
+  NOT_SERVED(QueryMpcProfList)
+  NOT_SERVED(QueryMpcConfList)
+  NOT_SERVED(QueryMpcInstList)
+  NOT_SERVED(QueryMpcParent)
+  NOT_SERVED(QueryMpcProf)
+  NOT_SERVED(QuerySmcFwVersion)
+  NOT_SERVED(QueryTemper)
+  NOT_SERVED(QueryDdrCap)
+  NOT_SERVED(QueryEfuseData)
+  NOT_SERVED(QueryInfoRom)
+  NOT_SERVED(QueryEccMode)
+#undef NOT_SERVED
 
  private:
   Stated<GpuStatus> doQueryGpuStatusV0() const;

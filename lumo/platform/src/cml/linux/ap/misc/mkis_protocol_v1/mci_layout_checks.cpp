@@ -90,6 +90,15 @@ AT(MciGetMgtDevDescV1, renderId, 30, 2);
 AT(MciGetMgtDevDescV1, parentMiscId, 32, 2);
 AT(MciGetMgtDevDescV1, sbdf, 34, 8);
 AT(MciGetMgtDevDescV1, ionId, 42, 2);
+AT(MciGetMgtDevDescV2, miscId, 0, 2);
+AT(MciGetMgtDevDescV2, value32, 2, 2);
+AT(MciGetMgtDevDescV2, value64, 4, 8);
+AT(MciGetMgtDevDescV2, devType, 16, 4);
+AT(MciGetMgtDevDescV2, flagA, 20, 4);
+AT(MciGetMgtDevDescV2, flagB, 24, 4);
+AT(MciGetMgtDevDescV2, cardId, 28, 2);
+AT(MciGetMgtDevDescV2, renderId, 30, 2);
+AT(MciGetMgtDevDescV2, parentMiscId, 32, 2);
 AT(MciGetMgtDevDescV2, sbdf, 34, 8);
 AT(MciGetMgtDevDescV2, ionId, 42, 2);
 
@@ -113,7 +122,10 @@ AT(MciMpcInstanceRow, miscId, 0, 2);
 AT(MciMpcInstanceRow, instanceId, 2, 2);
 
 AT(MciGetMgtMpcParentV1, parentMiscId, 0, 2);
-AT(MciGetMgtMpcProfileV1, profile, 0, 60);
+AT(MciGetMgtMpcProfileV1, profile.id, 0, 2);
+AT(MciGetMgtMpcProfileV1, profile.name, 2, 32);
+AT(MciGetMgtMpcProfileV1, profile.coreCount, 34, 2);
+AT(MciGetMgtMpcProfileV1, profile.memory, 36, 8);
 
 AT(MciGetInfoRomV1, serialNumber, 0, 64);
 AT(MciGetInfoRomV1, brand, 64, 64);

@@ -54,8 +54,7 @@ auto MiscKernelAccessorV1::query(std::string_view subject, Fill fill, Read read)
   call.body.payloadSize = sizeof call.payload;
   fill(call.payload);
   if (const KelpReturn state = access(Traits::kName, call.header); state != KelpReturn::kSuccess) {
-    KELP_LOG(kError) << std::string("failed to query ").append(subject).append(", access error is ")
-                     << static_cast<u32>(state);
+    KELP_LOG(kError) << std::string("failed to query ").append(subject).append(", access error is ") << state;
     return state;
   }
   return read(call.payload);

@@ -42,7 +42,7 @@ std::vector<VpuCoreSpecData> readVpuSpec(const VpuSpecReply& reply) {
 }
 
 KelpReturn specFailure(KelpReturn state) {
-  KELP_LOG(kError) << "failed to query vpu specification, access error is " << static_cast<u32>(state);
+  KELP_LOG(kError) << "failed to query vpu specification, access error is " << state;
   return state;
 }
 
@@ -94,10 +94,11 @@ Done RenderKernelAccessor::postInit() {
 }
 
 void RenderKernelAccessor::logCores() const {
-  KELP_LOG(kInfo) << "RenderKernelAccessor::postInit(): arch = " << static_cast<u32>(arch_)
-                  << ", coreCount = " << cores_.size();
+  auto&& line = KELP_LOG(kInfo);
+  line << "RenderKernelAccessor::postInit(): arch = " << arch_ << ", coreCount = " << cores_.size() << ",  {";
   for (const VpuCoreSpecData& core : cores_) {
-    KELP_LOG(kInfo) << ",  {" << static_cast<u32>(core.kind) << core.threadCount << core.maxInstances << "}";
+    line << std::to_string(static_cast<u32>(core.kind)) + "/" + std::to_string(core.threadCount) + "/" +
+                std::to_string(core.maxInstances);
   }
 }
 
@@ -115,7 +116,7 @@ Stated<std::vector<VpuCoreSpecData>> RenderKernelAccessor::getVpuSpecV0() const 
     }
   }
   if (cores.empty()) {
-    KELP_LOG(kError) << std::string(__func__) + ": unsupported arch " << static_cast<u32>(arch_);
+    KELP_LOG(kError) << std::string(__func__) + ": unsupported arch " << arch_;
     return KelpReturn::kFailure;
   }
   return cores;
