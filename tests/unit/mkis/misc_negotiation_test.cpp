@@ -87,6 +87,10 @@ TEST(MiscNegotiation, DriverThatAnswersNoProbeGetsTheDefaultList) {
   }
   EXPECT_EQ(provider.getRemoteVersion(7).state(), MkisError::kNotListed);
   EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryGpuStatus>().value().version, 0);
+  EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryDevDesc>().state(), MkisError::kNotListed);
+  EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryEfuseData>().state(), MkisError::kNotListed);
+  EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryDevName>().state(), MkisError::kFailure)
+      << "the protocol itself has no such interface";
   EXPECT_TRUE(log.has(LogLevel::kWarn, "use getMkisProbeV1 query remote mkis version failed, use v0 for a try"));
   EXPECT_TRUE(log.has(LogLevel::kError, "use getMkisProbeV1 and V0 query remote mkis version all failed"));
   EXPECT_TRUE(log.has(LogLevel::kError, "get mkis probe failed. use default mkis list"));
@@ -162,6 +166,42 @@ TEST(MiscNegotiation, RefusedScanFails) {
   MiscMkisProvider provider("ovgpu.3");
   EXPECT_EQ(provider.init().state(), MkisError::kFailure);
   EXPECT_TRUE(log.has(LogLevel::kError, "scan pdu status is 10"));
+}
+
+TEST(MiscNegotiation, RefusedOrFailedListFails) {
+  ProtocolOne one({{8, 1, 2}});
+  LogCapture log;
+  unsigned failing = 0;
+  bool refused = false;
+  one.driver.answer(kMci, [&](std::uint8_t* r) {
+    const auto pduType = get<std::uint32_t>(r, 8);
+    const int error = one.answer(r);
+    if (pduType == failing && refused) {
+      put<std::uint32_t>(r, 4, 7);
+    }
+    return pduType == failing && !refused ? EIO : error;
+  });
+  MiscMkisProvider provider("ovgpu.3");
+  EXPECT_EQ(provider.init().state(), MkisError::kFailure);
+  EXPECT_TRUE(log.has(LogLevel::kError, ">> scan pdu ioctl failed. errno is  5 "));
+  failing = 1;
+  EXPECT_EQ(provider.init().state(), MkisError::kFailure);
+  EXPECT_TRUE(log.has(LogLevel::kError, ">> get remote interface list ioctl failed. errno is  5 "));
+  refused = true;
+  EXPECT_EQ(provider.init().state(), MkisError::kFailure);
+  EXPECT_TRUE(log.has(LogLevel::kError, ">> mkis list status is  7 "));
+  EXPECT_EQ(provider.getAccessor(), nullptr);
+}
+
+TEST(MiscNegotiation, EveryEntryOfTheListIsLogged) {
+  ProtocolOne one({{8, 1, 2}, {67, 0, 0}});
+  LogCapture log;
+  MiscMkisProvider provider("ovgpu.3");
+  ASSERT_TRUE(provider.init().ok());
+  EXPECT_TRUE(log.has(LogLevel::kInfo,
+                      ">> remote interface list index  0  name id is  8  version range is [ 1 - 2 ] "));
+  EXPECT_TRUE(log.has(LogLevel::kInfo,
+                      ">> remote interface list index  1  name id is  67  version range is [ 0 - 0 ] "));
 }
 
 TEST(MiscNegotiation, NodeThatCannotBeOpenedFailsWithItsErrno) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "linux/ap/render/render_mkis_provider.h"
+#include "linux/ap/render/render_protocol_v0/render_kernel_accessor.h"
 #include "support/log_capture.h"
 #include "support/scripted_driver.h"
 
@@ -163,6 +164,26 @@ TEST(RenderNegotiation, ProtocolOtherThanZeroIsTooNew) {
   });
   RenderMkisProvider provider("renderD128", DevArch::kFen2);
   EXPECT_EQ(provider.init().state(), MkisError::kRemoteTooNew);
+}
+
+TEST(RenderNegotiation, CoresAreLoggedInOneLine) {
+  RenderDriver render(2);
+  LogCapture log;
+  RenderMkisProvider provider("renderD128", DevArch::kFen2);
+  ASSERT_TRUE(provider.init().ok());
+  ASSERT_TRUE(provider.postInit().ok());
+  EXPECT_TRUE(log.has(LogLevel::kInfo,
+                      ">> RenderKernelAccessor::postInit(): arch =  3 , coreCount =  3 ,  { 0/2/8 0/2/9 1/2/10 "));
+}
+
+TEST(RenderNegotiation, RecordIsNotSentOnAClosedDescriptor) {
+  ScriptedDriver driver;
+  LogCapture log;
+  RenderKernelAccessor accessor(NodeFile(), DevArch::kTor1);
+  accessor.setVpuSpecVersion(2);
+  EXPECT_EQ(accessor.postInit().state(), KelpReturn::kFailure);
+  EXPECT_TRUE(driver.calls.empty());
+  EXPECT_TRUE(log.has(LogLevel::kError, ">> access< RkiGetVpuInfoV2 fd is invalid ! "));
 }
 
 TEST(RenderNegotiation, NodeThatCannotBeOpenedFails) {
