@@ -1,6 +1,7 @@
 #include "host_folder.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -48,6 +49,24 @@ void writeFile(const std::string& path, const std::string& content) {
   if (!stream) throw HostError("cannot write " + path + ": " + std::strerror(errno));
 }
 
+// Keeps commands from changing an image while it is read and replaced. Holds nothing when there is none.
+class FileLock {
+ public:
+  explicit FileLock(const std::string& path) : fd(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (fd >= 0) flock(fd, LOCK_EX);
+  }
+  ~FileLock() {
+    if (fd >= 0) close(fd);
+  }
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+
+ private:
+  int fd;
+};
+
+constexpr const char* kCanary = "/tree/sys/.ovgpu-sim";
+
 }  // namespace
 
 HostFolder::HostFolder(const std::string& kept) : isPrivate(kept.empty()) {
@@ -61,8 +80,6 @@ HostFolder::HostFolder(const std::string& kept) : isPrivate(kept.empty()) {
     folder = kept;
   }
   folder = canonical(folder);
-  token = folder + " " + std::to_string(getpid());
-  if (token.size() > 60) token = token.substr(token.size() - 60);
 }
 
 HostFolder::~HostFolder() {
@@ -74,6 +91,10 @@ bool HostFolder::hasHost() const {
   return access((folder + "/image").c_str(), F_OK) == 0;
 }
 
+std::string HostFolder::canary() const {
+  return readFile(folder + kCanary);
+}
+
 void HostFolder::prepare(const Host& host, const std::vector<FaultSpec>& faults) {
   if (!hasHost()) {
     if (!isPrivate && !fs::is_empty(folder)) {
@@ -81,7 +102,6 @@ void HostFolder::prepare(const Host& host, const std::vector<FaultSpec>& faults)
     }
     writeNew(host);
   }
-  writeFile(folder + "/tree/sys/.ovgpu-sim", token);
   writeImage(host, faults);
 }
 
@@ -90,6 +110,9 @@ void HostFolder::writeNew(const Host& host) {
     throw HostError("cannot write " + folder + "/tree: " + std::strerror(errno));
   }
   TreeWriter(folder + "/tree").write(host);
+  // Of this folder alone, and short enough for the launcher.
+  writeFile(folder + kCanary,
+            std::to_string(getpid()) + " " + folder.substr(folder.rfind('/')).substr(0, 40));
   writePackages(host);
 }
 
@@ -105,15 +128,21 @@ void HostFolder::writePackages(const Host& host) const {
   }
 }
 
-// A new file in the place of the old one: a command that still runs keeps what it has mapped.
 void HostFolder::writeImage(const Host& host, const std::vector<FaultSpec>& faults) const {
   const std::string path = folder + "/image";
   std::string image =
       makeImage(host, TreeWriter::nodeFiles(folder + "/tree", host), faults, TreeWriter::removedPaths(host));
-  if (hasHost() && !carryState(readFile(path), image)) {
-    throw HostError("--state " + folder + ": holds another host than " + host.name +
-                    ", or that host before it was changed; name another folder or remove this one");
+  const FileLock lock(path);
+  if (hasHost()) {
+    const std::string kept = readFile(path);
+    if (!carryState(kept, image)) {
+      throw HostError("--state " + folder + ": holds another host than " + host.name +
+                      ", or that host before it was changed; name another folder or remove this one");
+    }
+    // Commands that run at the same time share it.
+    if (image == kept) return;
   }
+  // A new file in the place of the old one: a command that still runs keeps what it has mapped.
   const std::string fresh = path + "." + std::to_string(getpid());
   writeFile(fresh, image);
   if (rename(fresh.c_str(), path.c_str()) != 0) {

@@ -27,7 +27,7 @@ class HostFolder {
   void prepare(const Host& host, const std::vector<FaultSpec>& faults);
 
   /// A text that only a program on this host can read.
-  std::string canary() const { return token; }
+  std::string canary() const;
 
  private:
   void writeNew(const Host& host);
@@ -35,7 +35,6 @@ class HostFolder {
   void writeImage(const Host& host, const std::vector<FaultSpec>& faults) const;
 
   std::string folder;
-  std::string token;
   bool isPrivate;
 };
 

@@ -20,7 +20,8 @@ constexpr std::string_view kHelp = R"(Runs a command as though on a machine with
   --list-hosts       the hosts that can be named
 
 The exit status is that of the command, 128 + n when signal n ended it, 2 when ovgpu-sim itself fails,
-126 or 127 when the command cannot be started.
+126 or 127 when the command cannot be started. Folders with more hosts can be named in the environment,
+as OVGPU_SIM_HOSTS with ":" between them.
 
 )";
 

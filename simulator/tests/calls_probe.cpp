@@ -31,17 +31,17 @@ struct Answer {
   std::vector<unsigned char> payload;
 };
 
-Answer call(int fd, unsigned interfaceName, unsigned version, std::vector<unsigned char> payload) {
-  std::vector<unsigned char> record(40 + payload.size());
+Answer call(int fd, unsigned interfaceName, unsigned version, const std::vector<unsigned char>& payload) {
+  std::vector<unsigned char> record(40);
+  record.insert(record.end(), payload.begin(), payload.end());
   const auto put = [&](size_t offset, uint64_t number, size_t width) {
-    std::memcpy(record.data() + offset, &number, width);
+    for (size_t i = 0; i < width; ++i) record.at(offset + i) = static_cast<unsigned char>(number >> (8 * i));
   };
   put(8, 2, 4);
   put(12, 16 + payload.size(), 4);
   put(24, interfaceName, 2);
   put(26, version, 1);
   put(28, payload.size(), 4);
-  if (!payload.empty()) std::memcpy(record.data() + 40, payload.data(), payload.size());
   Answer answer;
   // Through an int, as a program may do it: the sign goes up into the long.
   const int request = static_cast<int>(0xC0084DAF);

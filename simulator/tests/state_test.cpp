@@ -1,5 +1,6 @@
 // What stays of a host between commands, and what many processes do to it at once.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstring>
@@ -38,6 +39,21 @@ TEST_F(SimState, IsKeptBetweenCommandsInAFolder) {
   EXPECT_EQ(pendingEcc({"--state", folder, "--fault", "ioctl(interface=67):gone"}), "ok 0 00 00 00 00 01")
       << "with faults, which are of one run alone";
   EXPECT_EQ(pendingEcc({"--state", folder}), "ok 0 00 00 00 00 01");
+}
+
+TEST_F(SimState, CommandsThatRunAtTheSameTimeShareIt) {
+  const std::string folder = scratch / "kept";
+  // What a running command has mapped must be what the next one uses.
+  const auto file = [&] {
+    struct stat status {};
+    EXPECT_EQ(stat((folder + "/image").c_str(), &status), 0);
+    return status.st_ino;
+  };
+  EXPECT_EQ(runSimulator({"--state", folder, "--", calls, "exit", "0"}).status, 0);
+  const ino_t first = file();
+  EXPECT_EQ(runSimulator({"--state", folder, "--", calls, "set-ecc", "ovgpu.1", "1"}).status, 0);
+  EXPECT_EQ(pendingEcc({"--state", folder}), "ok 0 00 00 00 00 01");
+  EXPECT_EQ(file(), first);
 }
 
 TEST_F(SimState, IsFreshWithoutAFolder) {
