@@ -25,7 +25,8 @@ struct StartWording {
   StartFailure noOrder{"Error: failed to find GPU devices", ExitCode::kEnumerationFailed};
 };
 
-inline constexpr const char* kNotAvailable = "Error: the requested operation is not available on target device";
+inline constexpr const char* kNotAvailable =
+    "Error: the requested operation is not available on target device";
 
 /// Base of the commands: a step that gathers what its output then prints. It owns its copy of the
 /// options, so a repeat by "-l" runs with the same ones.
