@@ -1,10 +1,25 @@
+#include <fcntl.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <string>
 
 #include "controller.h"
 
+namespace {
+
+/// The number of a stream that the caller has closed would go to the next file that is opened, and what
+/// is printed into that file: the log, or a GPU's node.
+void occupyClosedStreams() {
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(fd, F_GETFD) < 0) static_cast<void>(::open("/dev/null", O_RDWR));
+  }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+  occupyClosedStreams();
   // One thread works at a time, and an arena for each would cost more than the locks that it saves.
   mallopt(M_ARENA_MAX, 1);
 
