@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <future>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 
 #include "rusk/log_line.h"
@@ -32,7 +34,13 @@ template <class Function, class... Arguments>
 auto wrapperLumo(std::chrono::milliseconds timeout, std::string_view name, Function function,
                  Arguments... arguments) {
   using Status = std::invoke_result_t<Function, Arguments...>;
-  auto call = std::async(std::launch::async, function, arguments...);
+  std::future<Status> call;
+  try {
+    call = std::async(std::launch::async, function, arguments...);
+  } catch (const std::system_error&) {
+    // Where no thread is to be had the caller's must do: it would only wait for the other anyway.
+    return std::invoke(function, arguments...);
+  }
   if (call.wait_for(timeout) == std::future_status::ready) return call.get();
   RUSK_LOG_AS(frontLogger(), rusk::LogLevel::kError, "common_define", "wrapperLumo") << name << " timeout";
   return static_cast<Status>(kLumoCallTimedOut);

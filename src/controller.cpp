@@ -4,8 +4,8 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <functional>
-#include <new>
 #include <utility>
 
 #include "command_parser.h"
@@ -46,8 +46,11 @@ int Controller::start() {
   TOLK_LOG(kInfo) << "driver mode is " << driverMode();
 
   stopped_ = false;
-  worker_.reset(new (std::nothrow) std::thread(controllerWorker, std::ref(*this)));
-  if (!worker_) return 1;
+  try {
+    worker_ = std::make_unique<std::thread>(controllerWorker, std::ref(*this));
+  } catch (const std::exception&) {
+    return 1;
+  }
   waitUntil(running_);
   return 0;
 }

@@ -28,7 +28,7 @@ class Controller {
   Controller(const Controller&) = delete;
   Controller& operator=(const Controller&) = delete;
 
-  /// Reads the driver mode and returns when the worker runs. 1 if there is no memory for the thread.
+  /// Reads the driver mode and returns when the worker runs. 1 if there is no room for the thread.
   int start();
 
   /// Queues a command line: the arguments, each followed by one blank.

@@ -16,13 +16,18 @@ constexpr const char* kParameterPath = "/sys/module/ovgpu/parameters/ovgpu_drive
 
 DriverMode currentMode = DriverMode::kOther;
 
+/// A module parameter is a page at most.
+constexpr std::size_t kLongestParameter = 4096;
+
 /// The whole file, or nothing if it cannot be opened.
 std::string readParameter() {
   std::string content;
   const int fd = ::open(kParameterPath, O_RDONLY | O_CLOEXEC);
   if (fd < 0) return content;
   std::array<char, 64> part;
-  for (ssize_t got; (got = ::read(fd, part.data(), part.size())) > 0;) {
+  while (content.size() < kLongestParameter) {
+    const ssize_t got = ::read(fd, part.data(), part.size());
+    if (got <= 0) break;
     content.append(part.data(), static_cast<std::size_t>(got));
   }
   ::close(fd);

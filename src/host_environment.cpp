@@ -1,13 +1,24 @@
 #include "host_environment.h"
 
+#include <array>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "common_define.h"
 
 namespace tolk {
+
+namespace {
+
+/// No parameter file is longer; what goes on and on is not one.
+constexpr std::size_t kLongestFile = 1 << 20;
+
+}  // namespace
 
 bool hostHasMdevBus() {
   std::error_code ignored;
@@ -20,7 +31,14 @@ bool isTargetEnv(const char* path) {
     TOLK_LOG(kError) << "failed to open env path";
     return false;
   }
-  for (std::string line; std::getline(file, line);) {
+  std::string text;
+  std::array<char, 4096> block;
+  while (file && text.size() < kLongestFile) {
+    file.read(block.data(), block.size());
+    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
+  }
+  std::istringstream lines(std::move(text));
+  for (std::string line; std::getline(lines, line);) {
     if (line == "envType: 0") return true;
   }
   return false;

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "thread_refusal.h"
+
 namespace tolk {
 namespace {
 
@@ -77,6 +79,17 @@ TEST(WrapperLumo, CallThatTakesTooLongIsLoggedAndStillWaitedFor) {
   const auto& line = log.lines[0].second;
   EXPECT_NE(line.find(" common_define:"), std::string::npos) << line;
   EXPECT_TRUE(line.ends_with(":wrapperLumo >> lumoSlow  timeout ")) << line;
+}
+
+TEST(WrapperLumo, CallRunsOnTheCallersThreadWhereNoOtherCanBeHad) {
+  const tolk_test::ThreadRefusal refusal;
+  std::thread::id caller;
+  const auto status = wrapperLumo("lumoThread", [&caller] {
+    caller = std::this_thread::get_id();
+    return kRefused;
+  });
+  EXPECT_EQ(status, kRefused);
+  EXPECT_EQ(caller, std::this_thread::get_id());
 }
 
 TEST(WrapperLumo, TimeLimitIsTenSeconds) {

@@ -9,6 +9,7 @@
 
 #include "driver_mode.h"
 #include "front_fixture.h"
+#include "thread_refusal.h"
 
 namespace tolk_test {
 namespace {
@@ -69,6 +70,12 @@ TEST(Controller, StoresItsQueueAsTheGlobalOne) {
   ASSERT_NE(queue, nullptr);
   tolk::Controller second;
   EXPECT_NE(tolk::globalEventQueue(), queue);
+}
+
+TEST(Controller, DoesNotStartWithoutAThread) {
+  const ThreadRefusal refusal;
+  tolk::Controller controller;
+  EXPECT_EQ(controller.start(), 1);
 }
 
 TEST(Controller, LastOfTwoExitEventsDecides) {
