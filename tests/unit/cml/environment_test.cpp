@@ -40,11 +40,12 @@ class EnvironmentTest : public tolk_test::HostTree {
   }
 
   void cgroupMount(const std::string& type) const {
-    file("/proc/mounts",
-         "proc /proc proc rw 0 0\n"
-         "overlay / overlay rw,lowerdir=" +
-             std::string(10000, 'x') + " 0 0\n" + type + " /sys/fs/cgroup " + type + " rw,nosuid 0 0\n" +
-             "late /sys/fs/cgroup tmpfs rw 0 0\n");
+    // The reader takes a long line in pieces; the second one must not pass for a line of its own.
+    std::string overlay = "overlay / overlay rw,lowerdir=";
+    overlay.resize(4095, 'x');
+    overlay += "x /sys/fs/cgroup lie rw 0 0\n";
+    file("/proc/mounts", "proc /proc proc rw 0 0\n" + overlay + type + " /sys/fs/cgroup " + type +
+                             " rw,nosuid 0 0\nlate /sys/fs/cgroup tmpfs rw 0 0\n");
   }
 
   Environment environment_;
@@ -253,7 +254,7 @@ TEST_F(EnvironmentTest, PackagesAreAskedInOrderUntilOneAnswers) {
 }
 
 TEST_F(EnvironmentTest, OnlyALineThatBeginsWithTheKeyIsTheVersion) {
-  packageTool("dpkg", "printf 'Config-Version: 9\\n%0300d Version: 8\\n Version: 7\\nVersion: 6.5.4\\n' 1");
+  packageTool("dpkg", "printf 'Config-Version: 9\\n%0199dVersion: 8\\n Version: 7\\nVersion: 6.5.4\\n' 1");
   EXPECT_EQ(environment_.getDriverVersion().value(), "6.5.4");
 }
 

@@ -139,7 +139,7 @@ TEST(PcieConfigSpace, DecodersRefuseOtherCodesWithALine) {
 
 TEST(PcieConfigSpace, RefusedWidthIsZeroWithAValue) {
   ConfigSpace config = exampleCard();
-  config.express(0x70, 4, 12, 3, 0);
+  config.express(0x70, 4, 33, 3, 0);
   const PcieInfo info = config.decode();
   EXPECT_TRUE(info.maxLinkWidth.ok());
   EXPECT_EQ(info.maxLinkWidth.value(), 0U);

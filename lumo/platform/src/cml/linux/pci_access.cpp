@@ -53,7 +53,7 @@ constexpr std::array kGenerationSpeeds{25, 50, 80, 160, 320, 640};
 
 bool findGeneration(float speed, Stated<unsigned int>& generation) {
   const float tenfold = speed * 10;
-  if (!(tenfold >= 0) || tenfold > kGenerationSpeeds.back()) {
+  if (tenfold > kGenerationSpeeds.back()) {
     return false;
   }
   for (unsigned i = 0; i < kGenerationSpeeds.size(); ++i) {
@@ -259,7 +259,7 @@ bool PciAccess::readBars(PcieInfo& info) const {
       continue;
     }
     const MemoryType& type = kMemoryTypes[(flags >> 1) & 3];
-    if (type.takesNextSlot && i + 1 < bars.size()) {
+    if (type.takesNextSlot) {
       ++i;
     }
     const std::string text =
