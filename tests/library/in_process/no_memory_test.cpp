@@ -1,0 +1,98 @@
+#include <cstdlib>
+#include <new>
+
+#include "handles.h"
+#include "in_process/lumo_fixture.h"
+
+// What the caller sees when there is no memory for a handle.
+
+namespace {
+
+/// How many allocations this thread may still make; negative for as many as it likes.
+thread_local int allowance = -1;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  void* const memory = allowance == 0 ? nullptr : std::malloc(size);
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
+  if (allowance > 0) {
+    --allowance;
+  }
+  return memory;
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace {
+
+class NoMemoryTest : public tolk_test::LumoFixture {
+ protected:
+  /// Asks for a handle with room for no allocation, for one, for two and so on, until it is given. The
+  /// number of refusals.
+  template <class Handle, class Ask>
+  int refusals(Ask ask) {
+    for (int room = 0;; ++room) {
+      Handle former;
+      Handle* handle = &former;
+      allowance = room;
+      const LumoReturn status = ask(&handle);
+      allowance = -1;
+      if (status == LUMO_RETURN_SUCCESS) {
+        EXPECT_NE(handle, &former);
+        EXPECT_NE(handle, nullptr);
+        Handle* again = nullptr;
+        EXPECT_EQ(ask(&again), LUMO_RETURN_SUCCESS);
+        EXPECT_EQ(again, handle) << "a refusal leaves nothing behind";
+        return room;
+      }
+      EXPECT_EQ(status, LUMO_RETURN_INSUFFICIENT_MEMORY);
+      EXPECT_EQ(handle, nullptr);
+    }
+  }
+};
+
+TEST_F(NoMemoryTest, EveryHandleThatCannotBeMadeIsRefused) {
+  addGpu(0);
+  mustStart();
+  EXPECT_GE(refusals<LumoSystem>([&](auto** out) { return lumoLibraryInitSystem(library_, out); }), 2);
+  EXPECT_GE(refusals<LumoDevice>([&](auto** out) { return lumoLibraryInitDeviceByIndex(library_, 0, out); }),
+            2);
+  LumoDevice* const gpu = device(0);
+  EXPECT_GE(refusals<LumoGpu>([&](auto** out) { return lumoDeviceInitGpu(gpu, out); }), 2);
+  EXPECT_GE(refusals<LumoMemory>([&](auto** out) { return lumoDeviceInitMemory(gpu, out); }), 2);
+  EXPECT_GE(refusals<LumoVpu>([&](auto** out) { return lumoDeviceInitVpu(gpu, out); }), 2);
+}
+
+TEST_F(NoMemoryTest, ALibraryThatCannotBeMadeIsRefused) {
+  addGpu(0);
+  for (const int room : {0, 1}) {
+    allowance = room;
+    const LumoReturn status = lumoLibraryInit(&library_);
+    allowance = -1;
+    EXPECT_EQ(status, LUMO_RETURN_INSUFFICIENT_MEMORY);
+    EXPECT_EQ(library_, nullptr);
+  }
+  mustStart();
+  EXPECT_EQ(count(), 1U);
+}
+
+TEST_F(NoMemoryTest, AFurtherHandleOfTheLibraryThatCannotBeMadeIsRefused) {
+  addGpu(0);
+  mustStart();
+  LumoLibrary* second = nullptr;
+  allowance = 0;
+  const LumoReturn status = lumoLibraryInit(&second);
+  allowance = -1;
+  EXPECT_EQ(status, LUMO_RETURN_INSUFFICIENT_MEMORY);
+  EXPECT_EQ(second, nullptr);
+  EXPECT_EQ(count(), 1U) << "the first handle is as good as before";
+}
+
+}  // namespace
