@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -162,6 +163,7 @@ std::string Environment::readDriverVersionFromFile() {
     KELP_LOG(kError) << "read from " << kDriverVersionFile << " failed";
     return {};
   }
+  text.resize(std::min(text.find('\0'), text.size()));
   KELP_LOG(kInfo) << "driver package version read from file value is " << text;
   const std::size_t colon = text.find(':');
   if (colon == std::string::npos) {
