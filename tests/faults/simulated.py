@@ -1,0 +1,60 @@
+"""Runs the tool on simulated hosts that give it trouble, and judges what came of it."""
+import dataclasses
+import os
+import shlex
+import subprocess
+
+# As the tool's own, so that a sanitizer's report is told from it.
+SANITIZER_STATUS = 99
+STATUSES = {0, 1, 2, 3, 4, 5, 6, 8}
+ABORTED = 134
+TIME_LIMIT = 30
+
+
+@dataclasses.dataclass
+class Run:
+    command: list
+    status: int
+    out: bytes
+    err: bytes
+
+    def complaints(self):
+        """What no trouble excuses, as texts; none when all is well."""
+        found = []
+        if self.status not in STATUSES:
+            found.append(f"status {self.status}")
+        if self.err:
+            found.append("standard error:\n" + self.err.decode(errors="replace")[:4000])
+        if not self.out.endswith(b"\n"):
+            found.append(f"the output is not whole lines: {self.out[-200:]!r}")
+        return found
+
+    def told(self, complaints):
+        return shlex.join(self.command) + "\n  " + "\n  ".join(complaints)
+
+
+class Simulated:
+    """The tool on a host."""
+
+    def __init__(self, tool, simulator):
+        self.tool = tool
+        self.simulator = simulator
+        sanitizer = f"exitcode={SANITIZER_STATUS}"
+        self.environment = {**os.environ, "TZ": "UTC", "LC_ALL": "C", "ASAN_OPTIONS": sanitizer,
+                            "LSAN_OPTIONS": sanitizer, "TSAN_OPTIONS": sanitizer,
+                            "UBSAN_OPTIONS": sanitizer + ":print_stacktrace=1"}
+
+    def run(self, host, arguments, options=(), before="", after="", folder=None):
+        """`before` and `after` are a shell's words around the tool's command."""
+        command = [self.simulator, "--host", str(host), *options, "--"]
+        tool = [self.tool, *arguments]
+        if before or after:
+            command += ["/bin/sh", "-c", f"{before} {shlex.join(tool)} {after}"]
+        else:
+            command += tool
+        try:
+            done = subprocess.run(command, env=self.environment, cwd=folder, stdin=subprocess.DEVNULL,
+                                  capture_output=True, timeout=TIME_LIMIT)
+            return Run(command, done.returncode, done.stdout, done.stderr)
+        except subprocess.TimeoutExpired as late:
+            return Run(command, -1, late.stdout or b"", f"still running after {TIME_LIMIT} s".encode())

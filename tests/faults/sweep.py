@@ -1,0 +1,101 @@
+#!/usr/bin/env python3
+"""Fails every access of a command to its host in turn: each ioctl and each file.
+
+usage: sweep.py --tool FILE --simulator FILE [--by-turns] HOST [ARGUMENT...]
+
+A clean run tells the accesses. Every one of them then fails in a run of its own, the first of each kind in
+every way that there is, those after it in one of the ways by turns; with --by-turns the first ones too.
+"""
+import argparse
+import pathlib
+import sys
+import tempfile
+
+from simulated import ABORTED, Simulated
+
+IOCTL_WAYS = ("errno=EIO", "status=11", "ones", "gone")
+LOOK_WAYS = ("errno=ENOENT", "errno=EACCES")
+OPEN_WAYS = ("errno=EACCES", "text=garbage", "text=")
+# Nodes hold nothing that could be read.
+NODE_WAYS = ("errno=ENODEV", "errno=EACCES")
+# The simulator's own proof that the host is in place.
+PROOF = "/sys/.ovgpu-sim"
+
+
+def accesses(trace):
+    """The fault's target, the kind and the ways to fail of every access, in order."""
+    ioctls = 0
+    counts = {}
+    for line in trace.read_text().splitlines():
+        operation, *subject, _ = line.split(" ")
+        if operation == "ioctl":
+            ioctls += 1
+            yield f"ioctl#{ioctls}", tuple(subject[1:]), IOCTL_WAYS
+            continue
+        (path,) = subject
+        counts[path] = counts.get(path, 0) + 1
+        if path == PROOF:
+            continue
+        ways = LOOK_WAYS
+        if operation == "open":
+            ways = NODE_WAYS if path.startswith("/dev/") else OPEN_WAYS
+        yield f"file({path})#{counts[path]}", path, ways
+
+
+def faults(trace, by_turns):
+    seen = set()
+    for number, (target, kind, ways) in enumerate(accesses(trace)):
+        every = kind not in seen and not by_turns
+        seen.add(kind)
+        for way in ways if every else ways[number % len(ways):][:1]:
+            yield f"{target}:{way}"
+
+
+def is_stated_abort(fault, run):
+    """A device id that is no number is the one thing that ends the tool."""
+    return "/device)" in fault and fault.endswith("garbage") and run.status == ABORTED and not run.out
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--tool", required=True)
+    parser.add_argument("--simulator", required=True)
+    parser.add_argument("--by-turns", action="store_true")
+    parser.add_argument("host")
+    parser.add_argument("arguments", nargs=argparse.REMAINDER)
+    given = parser.parse_args()
+    simulated = Simulated(given.tool, given.simulator)
+
+    with tempfile.TemporaryDirectory(prefix="tolk-faults-") as name:
+        state = ["--state", name + "/host"]
+        trace = pathlib.Path(name, "trace")
+        clean = simulated.run(given.host, given.arguments, [*state, "--trace", str(trace)])
+        if clean.status != 0 or clean.complaints():
+            print("without a fault: " + clean.told([f"status {clean.status}", *clean.complaints()]))
+            return 1
+
+        failures = []
+        changed = 0
+        tried = list(faults(trace, given.by_turns))
+        for fault in tried:
+            run = simulated.run(given.host, given.arguments, [*state, "--fault", fault])
+            complaints = run.complaints()
+            if complaints and not is_stated_abort(fault, run):
+                failures.append(run.told(complaints))
+            changed += run.out != clean.out
+
+        # Trouble that is over leaves nothing behind.
+        again = simulated.run(given.host, given.arguments, state)
+        if (again.status, again.out, again.err) != (0, clean.out, b""):
+            failures.append(again.told(["not what it was before the faults:", again.out.decode(errors="replace")]))
+    print(f"{len(tried)} faults, {changed} of them seen in the output")
+    # Faults that strike nothing would prove nothing.
+    if changed * 4 < len(tried):
+        failures.append("most faults had no effect: are they where the accesses are?")
+    for failure in failures:
+        print("\n" + failure)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
