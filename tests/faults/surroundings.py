@@ -4,6 +4,7 @@
 usage: surroundings.py --tool FILE --simulator FILE --log-reader FILE
 """
 import argparse
+import concurrent.futures
 import json
 import pathlib
 import subprocess
@@ -60,6 +61,16 @@ def check_streams(simulated, folder, log_reader):
             yield run.told([f"status {run.status}, output {run.out!r} {run.err!r}"])
 
 
+def check_late_start(simulated, folder, log_reader):
+    """A library that starts, but later than it may, is told of and ended."""
+    log = folder / "late"
+    run = simulated.run("bare", [f"--debug={log}"], ["--fault", "ioctl#1:hang=10500"])
+    expected = b"Error: failed to initialize orvane-tolk.\n"
+    lines = subprocess.run([log_reader, str(log)], capture_output=True, check=False).stdout
+    if (run.status, run.out, run.err) != (2, expected, b"") or b" >> lumoLibraryInit  timeout \n" not in lines:
+        yield run.told([f"status {run.status}, output {run.out!r} {run.err!r}", lines.decode(errors="replace")])
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--tool", required=True)
@@ -69,7 +80,11 @@ def main():
     simulated = Simulated(arguments.tool, arguments.simulator)
     with tempfile.TemporaryDirectory(prefix="tolk-faults-") as name:
         folder = pathlib.Path(name)
-        failures = [*check_odd_files(simulated, folder), *check_streams(simulated, folder, arguments.log_reader)]
+        reader = arguments.log_reader
+        with concurrent.futures.ThreadPoolExecutor() as pool:
+            late = pool.submit(lambda: [*check_late_start(simulated, folder, reader)])
+            failures = [*check_odd_files(simulated, folder), *check_streams(simulated, folder, reader)]
+            failures += late.result()
     print("\n\n".join(failures))
     return 1 if failures else 0
 

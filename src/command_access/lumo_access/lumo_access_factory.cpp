@@ -9,6 +9,14 @@ namespace {
 /// Information and all that is graver.
 constexpr unsigned kLibraryLogLevel = 4;
 
+/// `library` is set by a success alone, though it came too late to count.
+LumoReturn startLibrary(LumoLibrary** library) {
+  LumoLibrary* started = nullptr;
+  const LumoReturn ret = lumoLibraryInit(&started);
+  if (ret == LUMO_RETURN_SUCCESS) *library = started;
+  return ret;
+}
+
 /// The adaptor of a device whose own handle is there; null when one of its parts cannot be had.
 std::shared_ptr<LumoAccessDevice> makeDevice(LumoModuleSet& modules) {
   LumoReturn ret = wrapperLumo("lumoDeviceInitGpu", lumoDeviceInitGpu, modules.device, &modules.gpu);
@@ -37,13 +45,14 @@ LumoAccessFactory::LumoAccessFactory()
 LumoReturn LumoAccessFactory::initializeLumo() {
   TOLK_LOG(kTrace);
   LumoLibrary* library = nullptr;
-  LumoReturn ret = wrapperLumo("lumoLibraryInit", lumoLibraryInit, &library);
+  LumoReturn ret = wrapperLumo("lumoLibraryInit", startLibrary, &library);
   if (ret == LUMO_RETURN_DRIVER_NOT_LOADED) {
     TOLK_LOG(kError) << "dirver not load";  // sic
     return ret;
   }
   if (ret != LUMO_RETURN_SUCCESS) {
     TOLK_LOG(kError) << "lumoLibraryInit() failed, ret = " << ret;
+    if (library != nullptr) wrapperLumo("lumoLibraryShutDown", lumoLibraryShutDown, library);
     return LUMO_RETURN_UNKNOWN_ERROR;
   }
   library_->setLumoLibrary(library);
