@@ -141,8 +141,8 @@ TEST_F(AccessPointTest, DriverWithoutDescriptionIsDescribedBySysfs) {
   EXPECT_EQ(desc.renderPath.value(), kRender);
   EXPECT_EQ(desc.uuid, kChipUuid) << "sysfs has no uuid, the chip has";
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> get description failed, state =  3 "));
-  EXPECT_TRUE(
-      log_.has(LogLevel::kWarn, ">> Failed to query device desc from kmd, next to get info from os instead "));
+  EXPECT_TRUE(log_.has(LogLevel::kWarn,
+                       ">> Failed to query device desc from kmd, next to get info from os instead "));
 }
 
 TEST_F(AccessPointTest, DescriptionInVersionsTooNewIsTakenFromSysfs) {
@@ -162,7 +162,8 @@ TEST_F(AccessPointTest, FailingDescriptionIsTakenFromSysfs) {
   ASSERT_TRUE(point.init().ok());
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> failed to query device description, access error is  11 "));
   EXPECT_FALSE(log_.has("get description failed"));
-  EXPECT_TRUE(log_.has(LogLevel::kWarn, "Failed to query device desc from kmd, next to get info from os instead"));
+  EXPECT_TRUE(
+      log_.has(LogLevel::kWarn, "Failed to query device desc from kmd, next to get info from os instead"));
 }
 
 TEST_F(AccessPointTest, DeviceThatNobodyDescribesIsLeftOut) {
@@ -278,15 +279,17 @@ TEST_F(AccessPointTest, MpcParentNeverGetsARenderContext) {
   EXPECT_TRUE(point.getDevDesc().value().renderPath.ok());
   EXPECT_EQ(driver_.opens(kRender), 0U);
   EXPECT_EQ(point.doExec(QueryVpuSpecCmd()).state(), KelpReturn::kNotSupported);
-  EXPECT_TRUE(log_.has(LogLevel::kInfo,
-                       ">> not init render context, device type is  2  vpu enable state is  0  vpu enable value is  1 "));
+  EXPECT_TRUE(log_.has(
+      LogLevel::kInfo,
+      ">> not init render context, device type is  2  vpu enable state is  0  vpu enable value is  1 "));
 }
 
 TEST_F(AccessPointTest, DisabledVpuNeedsNoRenderContext) {
   AccessPoint point(cuid());
   ASSERT_TRUE(point.init().ok());
-  EXPECT_TRUE(log_.has(LogLevel::kInfo,
-                       ">> not init render context, device type is  1  vpu enable state is  8  vpu enable value is  0 "));
+  EXPECT_TRUE(log_.has(
+      LogLevel::kInfo,
+      ">> not init render context, device type is  1  vpu enable state is  8  vpu enable value is  0 "));
   enableVpu();
   file("/sys/module/ovgpu/parameters/disable_vpu", "1\n");
   AccessPoint disabled(cuid());
@@ -363,11 +366,14 @@ TEST_F(AccessPointTest, OldFirmwareWarnsAndIsNoFailure) {
   };
   constexpr Row kRows[] = {
       {DevArch::kWold, 703,
-       ">> /dev/ovgpu.255  arch is  1 rtos version is  702  fw version is out-of-date, please update ovbios! "},
+       ">> /dev/ovgpu.255  arch is  1 rtos version is  702  fw version is out-of-date, please update "
+       "ovbios! "},
       {DevArch::kFen1, 20001,
-       ">> /dev/ovgpu.255  arch is  2 rtos version is  20000  fw version is out-of-date, please update ovbios! "},
+       ">> /dev/ovgpu.255  arch is  2 rtos version is  20000  fw version is out-of-date, please update "
+       "ovbios! "},
       {DevArch::kFen2, 20001,
-       ">> /dev/ovgpu.255  arch is  3 rtos version is  20000  fw version is out-of-date, please update ovbios! "},
+       ">> /dev/ovgpu.255  arch is  3 rtos version is  20000  fw version is out-of-date, please update "
+       "ovbios! "},
   };
   driver_.on(62, [](std::uint8_t*) { return 5U; });
   for (const Row& row : kRows) {

@@ -14,7 +14,9 @@ Efuse exampleChip() {
   return efuse;
 }
 
-TEST(DeviceUuid, ChipValueJoinsTheFields) { EXPECT_EQ(chipValue(exampleChip()), 0x3456789A556AF012UL); }
+TEST(DeviceUuid, ChipValueJoinsTheFields) {
+  EXPECT_EQ(chipValue(exampleChip()), 0x3456789A556AF012UL);
+}
 
 TEST(DeviceUuid, ChipValueIsHashed) {
   EXPECT_EQ(uuidOfChip(0x3456789A556AF012UL), "69a595f8-b61c-1978-3817-019f596bec2d");

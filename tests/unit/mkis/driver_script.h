@@ -72,14 +72,14 @@ class DriverScript : public ScriptedDriver {
   }
 
   std::size_t opens(const std::string& path) const {
-    return static_cast<std::size_t>(
-        std::ranges::count(opened_, path, &std::pair<std::string, int>::first));
+    return static_cast<std::size_t>(std::ranges::count(opened_, path, &std::pair<std::string, int>::first));
   }
 
   /// Whether the descriptor of the last open of a node is still there. Any open afterwards may take the
   /// number of one that was closed.
   bool isOpen(const std::string& path) const {
-    const auto last = std::find_if(opened_.rbegin(), opened_.rend(), [&](const auto& row) { return row.first == path; });
+    const auto last =
+        std::find_if(opened_.rbegin(), opened_.rend(), [&](const auto& row) { return row.first == path; });
     return last != opened_.rend() && ::fcntl(last->second, F_GETFD) >= 0;
   }
 

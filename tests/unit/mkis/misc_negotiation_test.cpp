@@ -91,7 +91,8 @@ TEST(MiscNegotiation, DriverThatAnswersNoProbeGetsTheDefaultList) {
   EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryEfuseData>().state(), MkisError::kNotListed);
   EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryDevName>().state(), MkisError::kFailure)
       << "the protocol itself has no such interface";
-  EXPECT_TRUE(log.has(LogLevel::kWarn, "use getMkisProbeV1 query remote mkis version failed, use v0 for a try"));
+  EXPECT_TRUE(
+      log.has(LogLevel::kWarn, "use getMkisProbeV1 query remote mkis version failed, use v0 for a try"));
   EXPECT_TRUE(log.has(LogLevel::kError, "use getMkisProbeV1 and V0 query remote mkis version all failed"));
   EXPECT_TRUE(log.has(LogLevel::kError, "get mkis probe failed. use default mkis list"));
   EXPECT_TRUE(log.has(LogLevel::kDebug, "Faking mkis list for legacy driver !"));
@@ -103,7 +104,8 @@ TEST(MiscNegotiation, LowestRemoteProtocolTwoIsTooNew) {
   MiscMkisProvider provider("ovgpu.3");
   EXPECT_EQ(provider.init().state(), MkisError::kRemoteTooNew);
   EXPECT_EQ(provider.getAccessor(), nullptr);
-  EXPECT_TRUE(log.has(LogLevel::kInfo, "remote too new. local max version is  1  remote mkis min version is  2"));
+  EXPECT_TRUE(
+      log.has(LogLevel::kInfo, "remote too new. local max version is  1  remote mkis min version is  2"));
   EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryDevDesc>().state(), MkisError::kFailure);
 }
 
@@ -296,7 +298,8 @@ TEST(MiscNegotiation, ProtocolZeroListOfBillionsEnds) {
 TEST(VersionStrategy, RemoteTooOldWhenItEndsBelowOurLowest) {
   LogCapture log;
   EXPECT_EQ(versionStrategy({2, 3}, {0, 1}).state(), MkisError::kRemoteTooOld);
-  EXPECT_TRUE(log.has(LogLevel::kInfo, "remote too old. local min version is  2  remote mkis max version is  1"));
+  EXPECT_TRUE(
+      log.has(LogLevel::kInfo, "remote too old. local min version is  2  remote mkis max version is  1"));
 }
 
 TEST(ProtocolOneCalls, BodyNamesInterfaceVersionAndSize) {
@@ -340,7 +343,8 @@ TEST(ProtocolOneCalls, FailedRequestLogsTheRecordAndErrno) {
   LogCapture log;
   MiscMkisProvider provider("ovgpu.3");
   ASSERT_TRUE(provider.init().ok());
-  EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryPstate>().value().operation().state(), KelpReturn::kFailure);
+  EXPECT_EQ(provider.getIntf<MiscMkisIntfName::kQueryPstate>().value().operation().state(),
+            KelpReturn::kFailure);
   EXPECT_TRUE(log.has(LogLevel::kError, "access< MciGetPstateV0 > ioctl return error =  -1 , errno =  5"));
 }
 

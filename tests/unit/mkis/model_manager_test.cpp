@@ -12,7 +12,9 @@ using rusk::LogLevel;
 using tolk_test::DriverScript;
 using tolk_test::put;
 
-std::string nodePath(std::uint64_t number) { return "/dev/ovgpu." + std::to_string(number); }
+std::string nodePath(std::uint64_t number) {
+  return "/dev/ovgpu." + std::to_string(number);
+}
 
 DevCuid device(std::uint64_t number) {
   return {.type = DevType::kPhysical, .arch = DevArch::kFen1, .sbdf = number << 16, .intId = number};

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-
 #include "driver_script.h"
 #include "linux/ap/misc/misc_mkis_provider.h"
 #include "support/log_capture.h"
@@ -352,8 +351,8 @@ TEST(RecordValues, FailedRecordOfProtocolZeroLogsItsNameAndErrno) {
   ASSERT_TRUE(provider.init().ok());
   const auto status = provider.getIntf<MiscMkisIntfName::kQueryGpuStatus>().value().operation();
   EXPECT_EQ(status.state(), KelpReturn::kFailure);
-  EXPECT_TRUE(log.has(LogLevel::kError,
-                      ">> access< MkiGetDeviceStatusV0 > ioctl return error =  -1 , errno =  5 "));
+  EXPECT_TRUE(
+      log.has(LogLevel::kError, ">> access< MkiGetDeviceStatusV0 > ioctl return error =  -1 , errno =  5 "));
   EXPECT_TRUE(log.has(LogLevel::kError, ">> failed to query gpu status, access error is  1 "));
 }
 

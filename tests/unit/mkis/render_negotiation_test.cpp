@@ -113,7 +113,8 @@ TEST(RenderNegotiation, UnsupportedSpecificationVersionStopsPostInit) {
   RenderMkisProvider provider("renderD128", DevArch::kFen2);
   ASSERT_TRUE(provider.init().ok());
   EXPECT_EQ(provider.postInit().state(), KelpReturn::kFailure);
-  EXPECT_TRUE(log.has(LogLevel::kError, "RenderKernelAccessor::postInit(): unsupported vpu spec interface version: "));
+  EXPECT_TRUE(log.has(LogLevel::kError,
+                      "RenderKernelAccessor::postInit(): unsupported vpu spec interface version: "));
 }
 
 TEST(RenderNegotiation, LyingCoreCountIsCutToTheRecord) {
@@ -172,8 +173,9 @@ TEST(RenderNegotiation, CoresAreLoggedInOneLine) {
   RenderMkisProvider provider("renderD128", DevArch::kFen2);
   ASSERT_TRUE(provider.init().ok());
   ASSERT_TRUE(provider.postInit().ok());
-  EXPECT_TRUE(log.has(LogLevel::kInfo,
-                      ">> RenderKernelAccessor::postInit(): arch =  3 , coreCount =  3 ,  { 0/2/8 0/2/9 1/2/10 "));
+  EXPECT_TRUE(
+      log.has(LogLevel::kInfo,
+              ">> RenderKernelAccessor::postInit(): arch =  3 , coreCount =  3 ,  { 0/2/8 0/2/9 1/2/10 "));
 }
 
 TEST(RenderNegotiation, RecordIsNotSentOnAClosedDescriptor) {

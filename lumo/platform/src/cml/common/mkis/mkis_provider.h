@@ -73,8 +73,9 @@ class MkisProvider {
       return Result(version.state());
     }
     const auto found = versions.find(version.value());
-    return Result(Intf(static_cast<int>(version.value()),
-                       found == versions.end() ? typename Versions::mapped_type{} : std::move(found->second)));
+    return Result(Intf(static_cast<int>(version.value()), found == versions.end()
+                                                              ? typename Versions::mapped_type{}
+                                                              : std::move(found->second)));
   }
 
  protected:

@@ -31,7 +31,9 @@ constexpr std::array kLowestFirmware{
 
 AccessPoint::~AccessPoint() = default;
 
-std::string AccessPoint::miscName() const { return "ovgpu." + std::to_string(cuid_.intId); }
+std::string AccessPoint::miscName() const {
+  return "ovgpu." + std::to_string(cuid_.intId);
+}
 
 Done AccessPoint::init() {
   if (devDesc_.ok()) {

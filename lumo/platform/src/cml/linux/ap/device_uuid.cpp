@@ -12,7 +12,9 @@ namespace kelp::linux_ {
 namespace {
 
 /// The 64 characters "0" and "1", highest bit first.
-std::string bitText(std::uint64_t value) { return std::bitset<64>(value).to_string(); }
+std::string bitText(std::uint64_t value) {
+  return std::bitset<64>(value).to_string();
+}
 
 }  // namespace
 
@@ -22,8 +24,7 @@ std::uint64_t chipValue(const Efuse& efuse) {
 }
 
 std::string makeUuidFromText(std::string_view text) {
-  const auto digest =
-      rusk::sha1(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+  const auto digest = rusk::sha1(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
   std::string uuid;
   for (std::size_t i = 0; i < 16; ++i) {
     if (i == 4 || i == 6 || i == 8 || i == 10) {
@@ -36,7 +37,9 @@ std::string makeUuidFromText(std::string_view text) {
   return uuid;
 }
 
-std::string uuidOfChip(std::uint64_t chip) { return makeUuidFromText(bitText(chip)); }
+std::string uuidOfChip(std::uint64_t chip) {
+  return makeUuidFromText(bitText(chip));
+}
 
 std::string uuidOfInstance(std::uint64_t chip, std::uint32_t profileId, std::uint32_t parentMiscId) {
   return makeUuidFromText(bitText(chip) + bitText(profileId | (std::uint64_t{parentMiscId} << 32)));

@@ -14,7 +14,8 @@ KelpReturn accessRecord(int fd, const char* recordName, u32 request, void* recor
   }
   if (const int result = rusk::SyscallWrapper::instance().ioctl(fd, request, record); result != 0) {
     const int error = errno;
-    KELP_LOG(kError) << "access<" << recordName << "> ioctl return error = " << result << ", errno = " << error;
+    KELP_LOG(kError) << "access<" << recordName << "> ioctl return error = " << result
+                     << ", errno = " << error;
     return KelpReturn::kFailure;
   }
   return KelpReturn::kSuccess;

@@ -12,13 +12,13 @@ struct MkiTraits;
 
 /// MKI_RECORD(record, request number): a record that is the whole argument of a request of its own. The
 /// size is part of the request number.
-#define MKI_RECORD(Record, requestNumber)                                                      \
-  static_assert(std::is_trivial_v<Record> && alignof(Record) == 1 &&                           \
-                sizeof(Record) == (((requestNumber) >> 16) & 0x3FFFU));                        \
-  template <>                                                                                  \
-  struct MkiTraits<Record> {                                                                   \
-    static constexpr const char* kName = #Record;                                              \
-    static constexpr ::kelp::linux_::u32 kRequest = requestNumber;                             \
+#define MKI_RECORD(Record, requestNumber)                               \
+  static_assert(std::is_trivial_v<Record> && alignof(Record) == 1 &&    \
+                sizeof(Record) == (((requestNumber) >> 16) & 0x3FFFU)); \
+  template <>                                                           \
+  struct MkiTraits<Record> {                                            \
+    static constexpr const char* kName = #Record;                       \
+    static constexpr ::kelp::linux_::u32 kRequest = requestNumber;      \
   }
 
 /// Sends a record. The driver has no status word here: the call's own result is all.

@@ -24,13 +24,17 @@ class MiscKernelAccessorBase {
   /// The driver's interfaces, asked in the manner of this protocol.
   virtual MkisStated<RemoteList> mkisList(const MkisProbe& probe) = 0;
 
-#define MISC_INTERFACE(number, name, ...) \
-  virtual VersionMap<Operation<__VA_ARGS__>> do##name() { return {}; }
+#define MISC_INTERFACE(number, name, ...)                 \
+  virtual VersionMap<Operation<__VA_ARGS__>> do##name() { \
+    return {};                                            \
+  }
 #include "common/mkis/misc_interfaces.def"
 #undef MISC_INTERFACE
 
  protected:
-  int fd() const { return node_.fd(); }
+  int fd() const {
+    return node_.fd();
+  }
 
  private:
   NodeFile node_;
@@ -41,12 +45,10 @@ class MiscKernelAccessorBase {
 
 namespace kelp {
 
-#define MISC_INTERFACE(number, name, ...)                                 \
-  template <>                                                             \
-  struct MkisIntfSlot<linux_::MiscMkisIntfName::k##name> {                \
-    static auto versions(linux_::MiscKernelAccessorBase& accessor) {      \
-      return accessor.do##name();                                         \
-    }                                                                     \
+#define MISC_INTERFACE(number, name, ...)                                                          \
+  template <>                                                                                      \
+  struct MkisIntfSlot<linux_::MiscMkisIntfName::k##name> {                                         \
+    static auto versions(linux_::MiscKernelAccessorBase& accessor) { return accessor.do##name(); } \
   };
 #include "common/mkis/misc_interfaces.def"
 #undef MISC_INTERFACE

@@ -45,7 +45,8 @@ MkisStated<int> MiscMkisProvider::initByProbe(NodeFile node, const MkisProbe& pr
   if (protocol.value() == 0) {
     accessor = std::make_unique<MiscKernelAccessorV0>(std::move(node));
   } else {
-    accessor = std::make_unique<MiscKernelAccessorV1>(std::move(node), probe.currentMajor, probe.currentMinor);
+    accessor =
+        std::make_unique<MiscKernelAccessorV1>(std::move(node), probe.currentMajor, probe.currentMinor);
   }
   auto list = accessor->mkisList(probe);
   if (!list.ok()) {

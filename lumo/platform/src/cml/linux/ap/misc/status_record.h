@@ -42,10 +42,10 @@ template <class Record>
 ProcessMemoryMap readProcessMemory(const Record& reply) {
   ProcessMemoryMap processes;
   for (const auto& row : std::span(reply.rows, rowsOf(reply.count, reply.rows))) {
-    processes.emplace(row.pid, ProcessMemoryUsage{.gpuMemory = row.gpuMemory,
-                                                  .systemMemory = row.systemMemory,
-                                                  .kind = row.kind,
-                                                  .pid = row.pid});
+    processes.emplace(
+        row.pid,
+        ProcessMemoryUsage{
+            .gpuMemory = row.gpuMemory, .systemMemory = row.systemMemory, .kind = row.kind, .pid = row.pid});
   }
   return processes;
 }

@@ -18,8 +18,7 @@ class RenderKernelAccessorBase {
   virtual void deinit() = 0;
   virtual MkisStated<RemoteList> mkisList(const MkisProbe& probe) = 0;
 
-#define RENDER_INTERFACE(number, name, slot, ...) \
-  virtual VersionMap<Operation<__VA_ARGS__>> slot() = 0;
+#define RENDER_INTERFACE(number, name, slot, ...) virtual VersionMap<Operation<__VA_ARGS__>> slot() = 0;
 #include "common/mkis/render_interfaces.def"
 #undef RENDER_INTERFACE
 };
@@ -28,12 +27,10 @@ class RenderKernelAccessorBase {
 
 namespace kelp {
 
-#define RENDER_INTERFACE(number, name, slot, ...)                          \
-  template <>                                                              \
-  struct MkisIntfSlot<linux_::RenderMkisIntfName::k##name> {               \
-    static auto versions(linux_::RenderKernelAccessorBase& accessor) {     \
-      return accessor.slot();                                              \
-    }                                                                      \
+#define RENDER_INTERFACE(number, name, slot, ...)                                                \
+  template <>                                                                                    \
+  struct MkisIntfSlot<linux_::RenderMkisIntfName::k##name> {                                     \
+    static auto versions(linux_::RenderKernelAccessorBase& accessor) { return accessor.slot(); } \
   };
 #include "common/mkis/render_interfaces.def"
 #undef RENDER_INTERFACE

@@ -42,7 +42,8 @@ MkisStated<int> RenderMkisProvider::init() {
     accessor_ = std::make_unique<RenderKernelAccessor>(std::move(node), arch_);
     return 0;
   }
-  const auto protocol = versionStrategy(kLocalProtocols, {probe.value().currentMinor, probe.value().currentMajor});
+  const auto protocol =
+      versionStrategy(kLocalProtocols, {probe.value().currentMinor, probe.value().currentMajor});
   if (!protocol.ok()) {
     return protocol.state();
   }
@@ -77,7 +78,8 @@ MkisStated<MkisProbe> RenderMkisProvider::getMkisProbe(int fd) const {
   const MkisProbe probe{record.major, record.minor, record.major, record.minor, record.interfaceCount};
   KELP_LOG(kInfo) << "use mkis0.0 to query remote mkis version success. current major version is "
                   << probe.currentMajor << "current minor version is " << probe.currentMinor
-                  << "oldest major version is " << probe.oldMajor << "oldest minor version is " << probe.oldMinor;
+                  << "oldest major version is " << probe.oldMajor << "oldest minor version is "
+                  << probe.oldMinor;
   return probe;
 }
 
@@ -97,7 +99,9 @@ void RenderMkisProvider::deinit() {
   MkisProvider::deinit();
 }
 
-RenderKernelAccessorBase* RenderMkisProvider::getAccessor() { return accessor_.get(); }
+RenderKernelAccessorBase* RenderMkisProvider::getAccessor() {
+  return accessor_.get();
+}
 
 RemoteList RenderMkisProvider::mkisListDefault() const {
   KELP_LOG(kDebug) << "Faking mkis list for legacy driver !";

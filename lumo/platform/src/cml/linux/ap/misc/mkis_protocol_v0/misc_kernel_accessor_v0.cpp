@@ -10,7 +10,8 @@
 namespace kelp::linux_ {
 
 template <class Record, class Read>
-auto MiscKernelAccessorV0::query(std::string_view subject, Read read) const -> Stated<decltype(read(Record{}))> {
+auto MiscKernelAccessorV0::query(std::string_view subject, Read read) const
+    -> Stated<decltype(read(Record{}))> {
   Record record{};
   if (const KelpReturn state = access(fd(), record); state != KelpReturn::kSuccess) {
     KELP_LOG(kError) << std::string("failed to query ").append(subject).append(", access error is ") << state;
@@ -62,8 +63,9 @@ Stated<ProcessMemoryMap> MiscKernelAccessorV0::queryProcMemState() const {
 }
 
 Stated<PcieInfo> MiscKernelAccessorV0::doQueryPciConfigDataV0() const {
-  return query<MkiGetPciConfigSpaceV0>(
-      "pci configuration space", [](const auto& reply) { return PcieConfigSpace(reply.configSpace).decode(); });
+  return query<MkiGetPciConfigSpaceV0>("pci configuration space", [](const auto& reply) {
+    return PcieConfigSpace(reply.configSpace).decode();
+  });
 }
 
 }  // namespace kelp::linux_

@@ -25,8 +25,10 @@ class MiscKernelAccessorV0 : public MiscKernelAccessorBase {
   VersionMap<Operation<ProcessMemoryMap>> doQueryProcMemState() override;
   VersionMap<Operation<PcieInfo>> doQueryPciConfigData() override;
 
-#define NOT_SERVED(name) \
-  Versions<MiscMkisIntfName::k##name> do##name() override { return {{0, {}}}; }
+#define NOT_SERVED(name)                                    \
+  Versions<MiscMkisIntfName::k##name> do##name() override { \
+    return {{0, {}}};                                       \
+  }
   NOT_SERVED(QueryDevDesc)
   NOT_SERVED(QueryMpcProfList)
   NOT_SERVED(QueryMpcConfList)

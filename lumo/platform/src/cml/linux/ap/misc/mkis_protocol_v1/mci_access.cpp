@@ -51,7 +51,8 @@ KelpReturn MiscKernelAccessorV1::access(const char* recordName, MciHeader& heade
   }
   if (const int result = send(fd(), header); result != 0) {
     const int error = errno;
-    KELP_LOG(kError) << "access<" << recordName << "> ioctl return error = " << result << ", errno = " << error;
+    KELP_LOG(kError) << "access<" << recordName << "> ioctl return error = " << result
+                     << ", errno = " << error;
     return KelpReturn::kFailure;
   }
   const u32 status = header.status;
@@ -103,8 +104,8 @@ MkisStated<RemoteList> MiscKernelAccessorV1::mkisList(const MkisProbe& /*probe*/
     MciListEntry entry{};
     std::memcpy(&entry, bytes.data() + sizeof(MciListHead) + i * sizeof entry, sizeof entry);
     KELP_LOG(kInfo) << "remote interface list index " << i << " name id is " << u16{entry.name}
-                    << " version range is [" << unsigned{entry.minVersion} << "-" << unsigned{entry.maxVersion}
-                    << "]";
+                    << " version range is [" << unsigned{entry.minVersion} << "-"
+                    << unsigned{entry.maxVersion} << "]";
     list.emplace(int{entry.name}, VersionRange{entry.minVersion, entry.maxVersion});
   }
   return list;

@@ -45,13 +45,13 @@ template <class Payload>
 struct MciTraits;
 
 /// MCI_RECORD(payload, interface, version, payload bytes)
-#define MCI_RECORD(Payload, interfaceName, interfaceVersion, payloadBytes)                          \
+#define MCI_RECORD(Payload, interfaceName, interfaceVersion, payloadBytes)                                 \
   static_assert(std::is_trivial_v<Payload> && alignof(Payload) == 1 && sizeof(Payload) == (payloadBytes)); \
-  template <>                                                                                       \
-  struct MciTraits<Payload> {                                                                       \
-    static constexpr const char* kName = #Payload;                                                  \
-    static constexpr u16 kInterface = interfaceName;                                                \
-    static constexpr u8 kVersion = interfaceVersion;                                                \
+  template <>                                                                                              \
+  struct MciTraits<Payload> {                                                                              \
+    static constexpr const char* kName = #Payload;                                                         \
+    static constexpr u16 kInterface = interfaceName;                                                       \
+    static constexpr u8 kVersion = interfaceVersion;                                                       \
   }
 
 }  // namespace kelp::linux_

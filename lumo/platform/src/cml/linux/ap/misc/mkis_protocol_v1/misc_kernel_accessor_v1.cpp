@@ -62,8 +62,10 @@ auto MiscKernelAccessorV1::query(std::string_view subject, Fill fill, Read read)
 
 // What each slot offers: the versions of its interface, ascending.
 
-#define VERSION(number, function) \
-  { number, [this](auto&&... params) { return function(params...); } }
+#define VERSION(number, function)                                    \
+  {                                                                  \
+    number, [this](auto&&... params) { return function(params...); } \
+  }
 
 VersionMap<Operation<GpuStatus>> MiscKernelAccessorV1::doQueryGpuStatus() {
   return {VERSION(2, doQueryGpuStatusV2), VERSION(3, doQueryGpuStatusV3)};
@@ -131,7 +133,8 @@ Stated<GpuStatus> MiscKernelAccessorV1::doQueryGpuStatusV3() const {
 }
 
 Stated<MemoryUsage> MiscKernelAccessorV1::doQueryMemUsageV1() const {
-  return query<MciGetDeviceMemUsageV1>("memory usage", [](const auto& reply) { return readMemoryUsage(reply); });
+  return query<MciGetDeviceMemUsageV1>("memory usage",
+                                       [](const auto& reply) { return readMemoryUsage(reply); });
 }
 
 Stated<ProcessMemoryMap> MiscKernelAccessorV1::doQueryProcMemStateV3() const {
@@ -140,8 +143,9 @@ Stated<ProcessMemoryMap> MiscKernelAccessorV1::doQueryProcMemStateV3() const {
 }
 
 Stated<PcieInfo> MiscKernelAccessorV1::doQueryPciConfigDataV1() const {
-  return query<MciGetPciConfigSpaceV1>(
-      "pci configuration space", [](const auto& reply) { return PcieConfigSpace(reply.configSpace).decode(); });
+  return query<MciGetPciConfigSpaceV1>("pci configuration space", [](const auto& reply) {
+    return PcieConfigSpace(reply.configSpace).decode();
+  });
 }
 
 Stated<DevDesc> MiscKernelAccessorV1::doQueryDevDescV1() const {
@@ -232,7 +236,8 @@ Stated<EfuseData> MiscKernelAccessorV1::doQueryEfuseDataV1(const QueryEfuseDataP
       },
       [](const auto& reply) {
         constexpr u32 kBitsHeld = sizeof reply.words * 8;
-        EfuseData data{.startBit = reply.startBit, .bitCount = std::min(u32{reply.bitCount}, kBitsHeld), .words = {}};
+        EfuseData data{
+            .startBit = reply.startBit, .bitCount = std::min(u32{reply.bitCount}, kBitsHeld), .words = {}};
         for (std::size_t i = 0; i < std::size(reply.words); ++i) {
           data.words.push_back(reply.words[i]);
         }

@@ -54,7 +54,8 @@ class MiscKernelAccessorV1 : public MiscKernelAccessorBase {
   auto query(std::string_view subject, Fill fill, Read read) const -> Stated<decltype(read(Payload{}))>;
   template <class Payload, class Read>
   auto query(std::string_view subject, Read read) const {
-    return query<Payload>(subject, [](Payload&) {}, read);
+    return query<Payload>(
+        subject, [](Payload&) {}, read);
   }
 
   u16 major_;

@@ -60,8 +60,8 @@ KelpReturn RenderKernelAccessor::access(Record& record) const {
     const int error = errno;
     std::array<char, 16> request{};
     std::snprintf(request.data(), request.size(), "%x", Traits::kRequest);
-    KELP_LOG(kError) << "access<" << Traits::kName << "> ioctl return error = " << result << ", errno = " << error
-                     << ", ioctl:0x" << request.data();
+    KELP_LOG(kError) << "access<" << Traits::kName << "> ioctl return error = " << result
+                     << ", errno = " << error << ", ioctl:0x" << request.data();
     return KelpReturn::kFailure;
   }
   return KelpReturn::kSuccess;
@@ -78,10 +78,12 @@ MkisStated<RemoteList> RenderKernelAccessor::mkisList(const MkisProbe& probe) {
 
 Done RenderKernelAccessor::postInit() {
   using Getter = Stated<Cores> (RenderKernelAccessor::*)() const;
-  constexpr std::array<Getter, 3> kGetters{&RenderKernelAccessor::getVpuSpecV0, &RenderKernelAccessor::getVpuSpecV1,
+  constexpr std::array<Getter, 3> kGetters{&RenderKernelAccessor::getVpuSpecV0,
+                                           &RenderKernelAccessor::getVpuSpecV1,
                                            &RenderKernelAccessor::getVpuSpecV2};
   if (specVersion_ < 0 || static_cast<std::size_t>(specVersion_) >= kGetters.size()) {
-    KELP_LOG(kError) << "RenderKernelAccessor::postInit(): unsupported vpu spec interface version: " << specVersion_;
+    KELP_LOG(kError) << "RenderKernelAccessor::postInit(): unsupported vpu spec interface version: "
+                     << specVersion_;
     return KelpReturn::kFailure;
   }
   auto cores = (this->*kGetters[static_cast<std::size_t>(specVersion_)])();
@@ -112,7 +114,10 @@ Stated<std::vector<VpuCoreSpecData>> RenderKernelAccessor::getVpuSpecV0() const 
   for (const FixedCores& row : kFixedCores) {
     if (row.arch == arch_) {
       cores.insert(cores.end(), row.count,
-                   {.kind = row.kind, .threadCount = row.threadCount, .maxInstances = row.maxInstances, .maxClock = {}});
+                   {.kind = row.kind,
+                    .threadCount = row.threadCount,
+                    .maxInstances = row.maxInstances,
+                    .maxClock = {}});
     }
   }
   if (cores.empty()) {
