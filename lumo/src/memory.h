@@ -2,6 +2,7 @@
 
 #include "component.h"
 #include "device.h"
+#include "ecc_values.h"
 #include "memory_values.h"
 
 namespace lumo {

@@ -32,6 +32,14 @@ Stated<typename Cmd::Result> CoreModel::exec(const Cmd& cmd) const {
 #undef RENDER_INTERFACE
 COMMAND(QueryPcieInfoCmd)
 COMMAND(QueryEfuseCmd)
+COMMAND(QueryAffinityWithinNodeCmd)
+COMMAND(QuerySupportedVirtTypesCmd)
+COMMAND(QueryAvailableVirtTypesCmd)
+COMMAND(QueryAvailableVirtInstancesCmd)
+COMMAND(QueryActiveVirtUuidsCmd)
+COMMAND(QueryVirtTypeCmd)
+COMMAND(QueryVgpuIdCmd)
+COMMAND(QueryVmPidCmd)
 
 #undef COMMAND
 

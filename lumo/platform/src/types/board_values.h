@@ -24,6 +24,30 @@ struct QueryEfuseDataParam {
   unsigned int bitCount = 0;
 };
 
+enum class PowerLimitType : std::uint32_t {
+  kRequested = 1,
+  kEnforced = 2,
+  kDefault = 3,
+  kMinimum = 4,
+  kMaximum = 5,
+};
+
+struct SetPowerLimitParam {
+  unsigned int limit = 0;   ///< milliwatts
+  bool persistent = false;  ///< kept over a boot
+};
+
+struct QueryPowerUsageParam {
+  unsigned int domain = 0;  ///< 0 board, 1 GPU, 2 memory
+};
+
+enum class FanUnit : std::uint32_t { kPercent = 0, kRpm = 1 };
+
+struct QueryFanSpeedParam {
+  unsigned int fanIndex = 0;
+  FanUnit unit = FanUnit::kPercent;
+};
+
 /// Raw bits of the one-time-programmable field: bit n is bit n % 32 of word n / 32.
 struct EfuseData {
   unsigned int startBit = 0;

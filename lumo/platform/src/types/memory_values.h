@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 
 #include "kelp_return.h"
@@ -24,23 +25,24 @@ struct ProcessMemoryUsage {
   std::uint32_t kind = 0;  ///< 0 graphics, 1 compute
   std::uint32_t pid = 0;
 };
+using ProcessMemoryMap = std::map<std::uint32_t, ProcessMemoryUsage>;
 
 /// The memory that is built in.
 struct MemorySpec {
-  Stated<unsigned long> maxClock;    ///< hertz
-  Stated<unsigned int> type;         ///< 0 LPDDR4, 1 GDDR6
+  Stated<unsigned long> maxClock;  ///< hertz
+  Stated<unsigned int> type;       ///< 0 LPDDR4, 1 GDDR6
   Stated<std::string> vendor;
   Stated<unsigned int> channelCount;
   Stated<unsigned int> channelWidth;  ///< bits
   Stated<unsigned int> size;          ///< MiB, with older drivers alone
 };
 
-enum class EccMode : std::uint32_t { kOff = 0, kOn = 1 };
-
-/// Inline ECC now, and after the next reset.
-struct EccModeInfo {
-  EccMode current = EccMode::kOff;
-  EccMode pending = EccMode::kOff;
+/// Errors that the memory's error detection met, over all channels.
+struct MemoryEdc {
+  std::uint32_t readErrors = 0;
+  std::uint32_t writeErrors = 0;
+  std::uint32_t readRetries = 0;
+  std::uint32_t writeRetries = 0;
 };
 
 }  // namespace kelp

@@ -6,6 +6,8 @@
 
 namespace kelp {
 
+enum class MpcMode : std::uint32_t { kOff = 0, kOn = 1 };
+
 /// The size of one MPC instance. On an instance `id` holds the profile in bits 0 to 7 and the
 /// instance's index in its parent in bits 8 to 15.
 struct MpcProfile {
@@ -27,5 +29,13 @@ struct MpcInstance {
   std::uint32_t instanceId = 0;  ///< index in its parent, from 0
 };
 using MpcInstList = std::vector<MpcInstance>;
+
+struct SetMpcConfParam {
+  std::uint32_t configId = 0;
+};
+
+struct SetMpcSwitchParam {
+  MpcMode mode = MpcMode::kOff;
+};
 
 }  // namespace kelp

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "memory_values.h"
+#include "ecc_values.h"
+#include "kelp_return.h"
 #include "objects/feat_obj.h"
 
 namespace kelp {

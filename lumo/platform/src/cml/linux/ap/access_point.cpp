@@ -216,4 +216,33 @@ Stated<unsigned long> AccessPoint::doExec(const QueryMpcParentCmd& cmd) {
   return static_cast<unsigned long>(pciSbdfToUint64(sbdf));
 }
 
+// Not served yet.
+Stated<std::string> AccessPoint::doExec(const QueryAffinityWithinNodeCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<int> AccessPoint::doExec(const ResetDeviceCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<std::vector<MdevVirtType>> AccessPoint::doExec(const QuerySupportedVirtTypesCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<std::vector<MdevVirtType>> AccessPoint::doExec(const QueryAvailableVirtTypesCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<unsigned int> AccessPoint::doExec(const QueryAvailableVirtInstancesCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<std::vector<std::string>> AccessPoint::doExec(const QueryActiveVirtUuidsCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<MdevVirtType> AccessPoint::doExec(const QueryVirtTypeCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<unsigned int> AccessPoint::doExec(const QueryVgpuIdCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+Stated<unsigned int> AccessPoint::doExec(const QueryVmPidCmd& /*cmd*/) {
+  return KelpReturn::kNotSupported;
+}
+
 }  // namespace kelp::linux_

@@ -40,6 +40,16 @@ class AccessPoint : public AccessPointBase {
   Stated<Efuse> doExec(const QueryEfuseCmd& cmd);
   /// The driver names the parent by its node; the result is that node's packed PCI address.
   Stated<unsigned long> doExec(const QueryMpcParentCmd& cmd);
+  Stated<std::string> doExec(const QueryAffinityWithinNodeCmd& cmd);
+  /// Closes the render node, resets, and opens it again; the misc node stays open over the reset.
+  Stated<int> doExec(const ResetDeviceCmd& cmd);
+  Stated<std::vector<MdevVirtType>> doExec(const QuerySupportedVirtTypesCmd& cmd);
+  Stated<std::vector<MdevVirtType>> doExec(const QueryAvailableVirtTypesCmd& cmd);
+  Stated<unsigned int> doExec(const QueryAvailableVirtInstancesCmd& cmd);
+  Stated<std::vector<std::string>> doExec(const QueryActiveVirtUuidsCmd& cmd);
+  Stated<MdevVirtType> doExec(const QueryVirtTypeCmd& cmd);
+  Stated<unsigned int> doExec(const QueryVgpuIdCmd& cmd);
+  Stated<unsigned int> doExec(const QueryVmPidCmd& cmd);
 
  private:
   template <class Provider, class Cmd>

@@ -122,6 +122,158 @@ VersionMap<Operation<std::string>> MiscKernelAccessorV1::doQueryDevName() {
   return {VERSION(0, doQueryDevNameV0)};
 }
 
+// Not spoken yet.
+VersionMap<Operation<P2pCapStatus, QueryP2pStatusParam>> MiscKernelAccessorV1::doQueryP2pStatus() {
+  return {};
+}
+VersionMap<Operation<unsigned int>> MiscKernelAccessorV1::doQueryMpcConf() {
+  return {};
+}
+VersionMap<Operation<int, SetMpcConfParam>> MiscKernelAccessorV1::doSetMpcConf() {
+  return {};
+}
+VersionMap<Operation<int, SetMpcSwitchParam>> MiscKernelAccessorV1::doSetMpcSwitch() {
+  return {};
+}
+VersionMap<Operation<unsigned int, StartPciePerfParam>> MiscKernelAccessorV1::doStartPciePerf() {
+  return {};
+}
+VersionMap<Operation<PcieBandWidthData, QueryPciePerfDataParam>> MiscKernelAccessorV1::doQueryPciePerfData() {
+  return {};
+}
+VersionMap<Operation<int, StopPciePerfParam>> MiscKernelAccessorV1::doStopPciePerf() {
+  return {};
+}
+VersionMap<Operation<unsigned long>> MiscKernelAccessorV1::doQueryPcieReplayCounter() {
+  return {};
+}
+VersionMap<Operation<ProcessGpuUtilMap, QueryProcGpuUtilParam>> MiscKernelAccessorV1::doQueryProcGpuUtil() {
+  return {};
+}
+VersionMap<Operation<int>> MiscKernelAccessorV1::doResetGpu() {
+  return {};
+}
+VersionMap<Operation<int, ResetGpuHwErrorCountsParam>> MiscKernelAccessorV1::doResetGpuHwErrorCounts() {
+  return {};
+}
+VersionMap<Operation<int>> MiscKernelAccessorV1::doResetDeviceEventMsgs() {
+  return {};
+}
+VersionMap<Operation<int>> MiscKernelAccessorV1::doResetDevice() {
+  return {};
+}
+VersionMap<Operation<SablinkSpec>> MiscKernelAccessorV1::doQuerySablinkSpec() {
+  return {};
+}
+VersionMap<Operation<SablinkCapStatus, QuerySablinkCapStatusParam>> MiscKernelAccessorV1::doQuerySablinkCapStatus() {
+  return {};
+}
+VersionMap<Operation<SablinkState, QuerySablinkStateParam>> MiscKernelAccessorV1::doQuerySablinkState() {
+  return {};
+}
+VersionMap<Operation<unsigned long, QuerySablinkErrCounterParam>> MiscKernelAccessorV1::doQuerySablinkErrCounter() {
+  return {};
+}
+VersionMap<Operation<int, unsigned int>> MiscKernelAccessorV1::doResetSablinkErrCounter() {
+  return {};
+}
+VersionMap<Operation<std::vector<SablinkLayout>, QuerySablinkLayoutsParam>> MiscKernelAccessorV1::doQuerySablinkLayouts() {
+  return {};
+}
+VersionMap<Operation<SablinkRemoteDevInfo, QuerySablinkStateParam>> MiscKernelAccessorV1::doQuerySablinkRemoteDev() {
+  return {};
+}
+VersionMap<Operation<std::vector<SablinkPath>, QuerySablinkLayoutsParam>> MiscKernelAccessorV1::doQuerySablinkShortestPaths() {
+  return {};
+}
+VersionMap<Operation<SablinkPerfStart, StartSablinkPerfParam>> MiscKernelAccessorV1::doStartSablinkPerf() {
+  return {};
+}
+VersionMap<Operation<SablinkPerfData, QuerySablinkPerfDataParam>> MiscKernelAccessorV1::doQuerySablinkPerfData() {
+  return {};
+}
+VersionMap<Operation<SablinkPerfStop, QuerySablinkPerfDataParam>> MiscKernelAccessorV1::doStopSablinkPerf() {
+  return {};
+}
+VersionMap<Operation<SablinkSerdesStatus, QuerySablinkStateParam>> MiscKernelAccessorV1::doQuerySablinkSerdesStatus() {
+  return {};
+}
+VersionMap<Operation<unsigned long, QueryClockParam>> MiscKernelAccessorV1::doQueryClock() {
+  return {};
+}
+VersionMap<Operation<MemoryEdc>> MiscKernelAccessorV1::doQueryMemEdc() {
+  return {};
+}
+VersionMap<Operation<unsigned int>> MiscKernelAccessorV1::doQueryFanChnlCount() {
+  return {};
+}
+VersionMap<Operation<unsigned int, QueryFanSpeedParam>> MiscKernelAccessorV1::doQueryFanSpeed() {
+  return {};
+}
+VersionMap<Operation<unsigned int, QueryPowerUsageParam>> MiscKernelAccessorV1::doQueryPower() {
+  return {};
+}
+VersionMap<Operation<float, QueryVoltageParam>> MiscKernelAccessorV1::doQueryVoltage() {
+  return {};
+}
+VersionMap<Operation<unsigned int>> MiscKernelAccessorV1::doQueryMemoryTemperature() {
+  return {};
+}
+VersionMap<Operation<GpuSpec>> MiscKernelAccessorV1::doQueryGpuCap() {
+  return {};
+}
+VersionMap<Operation<PcieSlotInfo>> MiscKernelAccessorV1::doQueryPcieSlotInfo() {
+  return {};
+}
+VersionMap<Operation<std::vector<DispInterfaceInfo>>> MiscKernelAccessorV1::doQueryDisplayInterfaceSpec() {
+  return {};
+}
+VersionMap<Operation<unsigned int, unsigned int>> MiscKernelAccessorV1::doQueryVgpuUtil() {
+  return {};
+}
+VersionMap<Operation<GuestMemoryUsage, unsigned int>> MiscKernelAccessorV1::doQueryVgpuMemInfo() {
+  return {};
+}
+VersionMap<Operation<TemperatureLimitInfo>> MiscKernelAccessorV1::doQueryTemperatureLimitInfo() {
+  return {};
+}
+VersionMap<Operation<EccPageRetirementCount>> MiscKernelAccessorV1::doQueryEccRetiredPagesCnt() {
+  return {};
+}
+VersionMap<Operation<EccPageRetirementInfo, QueryEccPageRetirementInfoParam>> MiscKernelAccessorV1::doQueryEccRetiredPagesInfo() {
+  return {};
+}
+VersionMap<Operation<EccPendingErrorInfo, QueryEccPendingErrorInfoParam>> MiscKernelAccessorV1::doQueryEccRetiredPagesPendingInfo() {
+  return {};
+}
+VersionMap<Operation<int, EccMode>> MiscKernelAccessorV1::doSetEccMode() {
+  return {};
+}
+VersionMap<Operation<int, SetPerfStateParam>> MiscKernelAccessorV1::doSetPstate() {
+  return {};
+}
+VersionMap<Operation<unsigned long long, QueryEccErrorsParam>> MiscKernelAccessorV1::doQueryEccErr() {
+  return {};
+}
+VersionMap<Operation<int, EccCounterType>> MiscKernelAccessorV1::doClearEccErr() {
+  return {};
+}
+VersionMap<Operation<unsigned int, PowerLimitType>> MiscKernelAccessorV1::doQueryPowerLimit() {
+  return {};
+}
+VersionMap<Operation<ThermalSlowdownStatistics>> MiscKernelAccessorV1::doQueryThermalSlowdownStatistics() {
+  return {};
+}
+VersionMap<Operation<PcieBar2MemInfo>> MiscKernelAccessorV1::doQueryPcieBar2MemInfo() {
+  return {};
+}
+VersionMap<Operation<VgpuOverCommitInfo, unsigned int>> MiscKernelAccessorV1::doQueryVgpuOverCommit() {
+  return {};
+}
+VersionMap<Operation<int, SetPowerLimitParam>> MiscKernelAccessorV1::doSetPowerLimit() {
+  return {};
+}
+
 #undef VERSION
 
 Stated<GpuStatus> MiscKernelAccessorV1::doQueryGpuStatusV2() const {
