@@ -132,7 +132,7 @@ void Library::shutDown() {
 }
 
 std::string Library::getVersion() {
-  return LUMO_VERSION;
+  return LUMO_VERSION_TEXT;
 }
 
 std::size_t Library::countDevice() const {
