@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "pci_topology.h"
+
 namespace tolk_test {
 namespace {
 
@@ -37,6 +39,9 @@ class FakeEnumerator : public kelp::ModelEnumeratorBase {
   kelp::Stated<kelp::DevCuidSet> enumeratePcie() override { return FakePlatform::instance().pcieCuids; }
   kelp::Stated<kelp::DevCuidSet> enumerateMpci(const std::string&) override {
     return FakePlatform::instance().mpciCuids;
+  }
+  kelp::Stated<kelp::DevCuidSet> enumerateVirt(const std::string&) override {
+    return FakePlatform::instance().virtCuids;
   }
 };
 
@@ -106,6 +111,24 @@ Stated<std::shared_ptr<CoreModel>> ModelManager::getModel(const DevCuid& cuid) {
   return model;
 }
 
+void ModelManager::closeOtherModelFile(const DevCuid& target) {
+  FakePlatform::instance().othersTouched.push_back("close " + std::to_string(target.intId));
+}
+
+void ModelManager::reinitOtherModelFile(const DevCuid& target) {
+  FakePlatform::instance().othersTouched.push_back("reopen " + std::to_string(target.intId));
+}
+
+Stated<TopologyLevel> getPciDeviceTopology(std::string_view sbdfA, std::string_view sbdfB) {
+  FakePlatform& platform = FakePlatform::instance();
+  platform.topologyOf = {std::string(sbdfA), std::string(sbdfB)};
+  return platform.topologyLevel;
+}
+
+Stated<std::vector<std::string>> getPciNicDevicesSbdf() {
+  return FakePlatform::instance().nics;
+}
+
 #define COMMAND(name)                                                     \
   template <>                                                             \
   Stated<name##Cmd::Result> CoreModel::exec(const name##Cmd& cmd) const { \
@@ -120,5 +143,13 @@ Stated<std::shared_ptr<CoreModel>> ModelManager::getModel(const DevCuid& cuid) {
 #undef RENDER_INTERFACE
 COMMAND(QueryPcieInfo)
 COMMAND(QueryEfuse)
+COMMAND(QueryAffinityWithinNode)
+COMMAND(QuerySupportedVirtTypes)
+COMMAND(QueryAvailableVirtTypes)
+COMMAND(QueryAvailableVirtInstances)
+COMMAND(QueryActiveVirtUuids)
+COMMAND(QueryVirtType)
+COMMAND(QueryVgpuId)
+COMMAND(QueryVmPid)
 
 }  // namespace kelp

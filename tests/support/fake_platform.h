@@ -6,6 +6,7 @@
 #include <string>
 #include <tuple>
 #include <typeindex>
+#include <utility>
 #include <vector>
 
 #include "core_model.h"
@@ -50,12 +51,19 @@ class FakePlatform {
   std::map<std::uint64_t, kelp::Stated<kelp::DevDesc>> descOf;
   kelp::Stated<kelp::DevCuidSet> pcieCuids = kelp::DevCuidSet{};
   kelp::Stated<kelp::DevCuidSet> mpciCuids = kelp::DevCuidSet{};
+  kelp::Stated<kelp::DevCuidSet> virtCuids = kelp::DevCuidSet{};
+  /// What sysfs says of two functions, and the two that were asked for last.
+  kelp::Stated<kelp::TopologyLevel> topologyLevel = kelp::TopologyLevel::kSystem;
+  std::pair<std::string, std::string> topologyOf;
+  kelp::Stated<std::vector<std::string>> nics = std::vector<std::string>{};
   kelp::Stated<std::string> driverVersion = std::string("1.2.3");
   std::uint32_t pid = 0;  ///< whose name was asked for last
   kelp::Stated<std::string> processName = std::string("/usr/bin/app");
   /// Commands in the order in which they were run.
   std::vector<std::string> asked;
   int modelInits = 0;
+  /// "close" and "reopen" with the internal id of the device that was left alone, in order.
+  std::vector<std::string> othersTouched;
 
  private:
   std::map<std::type_index, std::any> answers_;

@@ -69,7 +69,8 @@ TEST_F(DeviceObjectTest, InitReadsWhatIsKeptOnce) {
   const std::shared_ptr<DeviceObj> device = makeReady(DevType::kPhysical);
   EXPECT_TRUE(device->init().ok());
   EXPECT_EQ(platform_.asked,
-            (std::vector<std::string>{"QuerySmcFwVersion", "QueryInfoRom", "QueryDdrCap", "QueryVpuSpec"}));
+            (std::vector<std::string>{"QuerySmcFwVersion", "QueryInfoRom", "QueryDisplayInterfaceSpec",
+                                      "QueryDdrCap", "QuerySupportedVirtTypes", "QueryVpuSpec"}));
 
   EXPECT_EQ(device->getDesc().uuid, "69a595f8-b61c-1978-3817-019f596bec2d");
   EXPECT_EQ(device->getSerialNumber().value(), "SN-1");
@@ -77,7 +78,7 @@ TEST_F(DeviceObjectTest, InitReadsWhatIsKeptOnce) {
   EXPECT_EQ(device->getOvBiosVersion().value(), 20001U);
   EXPECT_EQ(device->getMpcCapable().value(), true);
   EXPECT_EQ(device->getSablinkCapable().state(), KelpReturn::kReadFailed);
-  EXPECT_EQ(platform_.asked.size(), 4U);
+  EXPECT_EQ(platform_.asked.size(), 6U);
 }
 
 TEST_F(DeviceObjectTest, Tor1AsksForItsMemoryLast) {
@@ -85,7 +86,8 @@ TEST_F(DeviceObjectTest, Tor1AsksForItsMemoryLast) {
       Tor1DeviceFactory().createDevice(makeCuid(DevType::kPhysical, DevArch::kTor1), manager_);
   EXPECT_TRUE(device.value()->init().ok());
   EXPECT_EQ(platform_.asked,
-            (std::vector<std::string>{"QuerySmcFwVersion", "QueryInfoRom", "QueryVpuSpec", "QueryDdrCap"}));
+            (std::vector<std::string>{"QuerySmcFwVersion", "QueryInfoRom", "QueryDisplayInterfaceSpec",
+                                      "QuerySupportedVirtTypes", "QueryVpuSpec", "QueryDdrCap"}));
 }
 
 TEST_F(DeviceObjectTest, AGuestIsNotAskedForItsBoard) {

@@ -95,4 +95,22 @@ Stated<std::string> DeviceManager::getProcessName(std::uint32_t pid) {
   return modelManager_->getEnvironment().getProcessName(pid);
 }
 
+Stated<TopologyLevel> DeviceManager::queryTopologyLevel(const std::string& sbdfA, const std::string& sbdfB) {
+  static_cast<void>(sbdfA);
+  static_cast<void>(sbdfB);
+  return KelpReturn::kNotSupported;
+}
+
+Stated<std::vector<std::string>> DeviceManager::queryNicDevices() {
+  return KelpReturn::kNotSupported;
+}
+
+void DeviceManager::closeOtherDevices(const DevCuid& target) {
+  modelManager_->closeOtherModelFile(target);
+}
+
+void DeviceManager::reopenOtherDevices(const DevCuid& target) {
+  modelManager_->reinitOtherModelFile(target);
+}
+
 }  // namespace kelp

@@ -11,6 +11,7 @@
 #include "dev_cuid.h"
 #include "environment_values.h"
 #include "kelp_return.h"
+#include "topology_values.h"
 
 namespace kelp {
 
@@ -39,6 +40,16 @@ class DeviceManager {
   Stated<std::string> getDriverVersion();
   Stated<DriverMode> getDriverMode();
   Stated<std::string> getProcessName(std::uint32_t pid);
+
+  /// How far apart two PCI functions are, by their addresses; and the host's network adapters. Questions
+  /// to sysfs, for devices that have no topology feature of their own.
+  static Stated<TopologyLevel> queryTopologyLevel(const std::string& sbdfA, const std::string& sbdfB);
+  static Stated<std::vector<std::string>> queryNicDevices();
+
+  /// Closes the nodes of every device but one, and opens them again: the driver refuses a reset or a
+  /// change of the MPC mode while another device is open. No other device may be asked in between.
+  void closeOtherDevices(const DevCuid& target);
+  void reopenOtherDevices(const DevCuid& target);
 
  private:
   std::unordered_map<DevCuid, std::shared_ptr<DeviceObj>> devices_;

@@ -1,9 +1,10 @@
 #include "device_object.h"
 
-#include "core_model.h"
 #include "kelp_log.h"
 #include "model_list.h"
 #include "model_manager.h"
+#include "objects/queries.h"
+#include "pci_sbdf.h"
 #include "target_environment.h"
 
 namespace kelp {
@@ -51,12 +52,47 @@ Done DeviceObj::init() {
   return KelpReturn::kSuccess;
 }
 
+template <class Cmd>
+Stated<typename Cmd::Result> DeviceObj::query(const Cmd& cmd) const {
+  if (!isInitialized()) {
+    return KelpReturn::kNotInitialized;
+  }
+  return model_->exec(cmd);
+}
+
+template <class Cmd>
+Stated<typename Cmd::Result> DeviceObj::queryPhysical(const Cmd& cmd) const {
+  return cuid_.type == DevType::kPhysical ? query(cmd) : refusal();
+}
+
+template <class T>
+Stated<T> DeviceObj::getKept(Stated<T> DevDesc::*field) const {
+  return isInitialized() ? desc_.*field : KelpReturn::kNotInitialized;
+}
+
+Stated<std::vector<DevCuid>> DeviceObj::getVirtDevCuids() const {
+  if (!isInitialized()) {
+    return KelpReturn::kNotInitialized;
+  }
+  const std::string sbdf = sbdfText(cuid_.sbdf);
+  const Stated<DevCuidSet> found = modelManager_->getEnumerator().enumerateVirt(sbdf);
+  if (!found.ok()) {
+    KELP_LOG(kError) << "Failed to list virtual cuids for pcie device : " << sbdf;
+    return found.state();
+  }
+  return std::vector<DevCuid>(found.value().begin(), found.value().end());
+}
+
+Stated<DevCuid> DeviceObj::getVirtParentCuid() const {
+  return refusal();
+}
+
 Stated<std::vector<DevCuid>> DeviceObj::getMpcInstCuids() const {
-  return isInitialized() ? KelpReturn::kNotSupported : KelpReturn::kNotInitialized;
+  return refusal();
 }
 
 Stated<DevCuid> DeviceObj::getMpcParentCuid() const {
-  return isInitialized() ? KelpReturn::kNotSupported : KelpReturn::kNotInitialized;
+  return refusal();
 }
 
 Stated<DevBrand> DeviceObj::getBrand() const {
@@ -80,24 +116,12 @@ Stated<unsigned int> DeviceObj::getFirmwareVersion(const char* component) const 
   return found == firmware_.value().end() ? KelpReturn::kFailure : found->second;
 }
 
-template <class Cmd>
-Stated<typename Cmd::Result> DeviceObj::query(const Cmd& cmd) const {
-  if (!isInitialized()) {
-    return KelpReturn::kNotInitialized;
-  }
-  return model_->exec(cmd);
-}
-
-Stated<PcieInfo> DeviceObj::queryPcieInfo() const {
-  return query(QueryPcieInfoCmd());
+Stated<unsigned long> DeviceObj::getUsableCores() const {
+  return getKept(&DevDesc::kmdValue64);
 }
 
 Stated<unsigned int> DeviceObj::queryPciDeviceId() const {
-  const Stated<PcieInfo> info = queryPcieInfo();
-  if (!info.ok()) {
-    return info.state();
-  }
-  return info.value().deviceId;
+  return fieldOf(query(QueryPcieInfoCmd()), &PcieInfo::deviceId);
 }
 
 Stated<std::string> DeviceObj::getDeviceName() const {
@@ -134,32 +158,76 @@ Stated<std::string> DeviceObj::getListedName(unsigned int deviceId) {
 }
 
 Stated<std::string> DeviceObj::getSerialNumber() const {
-  if (!isInitialized()) {
-    return KelpReturn::kNotInitialized;
-  }
-  if (!infoRom_.ok()) {
-    return infoRom_.state();
-  }
-  return infoRom_.value().serialNumber;
+  return isInitialized() ? fieldOf(infoRom_, &DeviceInfoRom::serialNumber) : KelpReturn::kNotInitialized;
+}
+
+Stated<std::string> DeviceObj::getMiscPath() const {
+  return getKept(&DevDesc::miscPath);
+}
+
+Stated<std::string> DeviceObj::getCardPath() const {
+  return getKept(&DevDesc::cardPath);
+}
+
+Stated<std::string> DeviceObj::getRenderPath() const {
+  return getKept(&DevDesc::renderPath);
+}
+
+Stated<std::string> DeviceObj::getIonPath() const {
+  return getKept(&DevDesc::ionPath);
+}
+
+Stated<std::wstring> DeviceObj::getWideName() const {
+  return getKept(&DevDesc::wideName);
 }
 
 Stated<bool> DeviceObj::getMpcCapable() const {
-  return isInitialized() ? desc_.kmdFlagA : KelpReturn::kNotInitialized;
+  return getKept(&DevDesc::kmdFlagA);
 }
 
 Stated<bool> DeviceObj::getSablinkCapable() const {
-  return isInitialized() ? desc_.kmdFlagB : KelpReturn::kNotInitialized;
+  return getKept(&DevDesc::kmdFlagB);
+}
+
+Stated<unsigned int> DeviceObj::queryPowerUsage() const {
+  constexpr unsigned int kBoard = 0;
+  return query(QueryPowerCmd(QueryPowerUsageParam{.domain = kBoard}));
 }
 
 Stated<unsigned int> DeviceObj::queryPerfState() const {
-  if (isInitialized() && cuid_.type != DevType::kPhysical) {
-    return KelpReturn::kNotSupported;
-  }
-  return query(QueryPstateCmd());
+  return queryPhysical(QueryPstateCmd());
 }
 
-Stated<std::map<std::uint32_t, ProcessMemoryUsage>> DeviceObj::queryProcessMemory() const {
+Stated<int> DeviceObj::setPerfState(unsigned int state) const {
+  return queryPhysical(SetPstateCmd(SetPerfStateParam{.state = state}));
+}
+
+Stated<unsigned int> DeviceObj::queryPowerLimit(PowerLimitType type) const {
+  return cuid_.arch < DevArch::kTor1 ? refusal() : query(QueryPowerLimitCmd(type));
+}
+
+Stated<int> DeviceObj::setPowerLimit(const SetPowerLimitParam& param) const {
+  return cuid_.arch < DevArch::kTor1 ? refusal() : queryPhysical(SetPowerLimitCmd(param));
+}
+
+Stated<int> DeviceObj::resetDevice() const {
+  return queryPhysical(ResetDeviceCmd());
+}
+
+Stated<int> DeviceObj::resetDeviceEventMsgs() const {
+  return queryPhysical(ResetDeviceEventMsgsCmd());
+}
+
+Stated<PcieInfo> DeviceObj::queryPcieInfo() const {
+  return query(QueryPcieInfoCmd());
+}
+
+Stated<ProcessMemoryMap> DeviceObj::queryProcessMemory() const {
   return query(QueryProcMemStateCmd());
+}
+
+Stated<ProcessGpuUtilMap> DeviceObj::queryProcessGpuUtil(unsigned long lastSeen) const {
+  return query(QueryProcGpuUtilCmd(QueryProcGpuUtilParam{.lastSeen = lastSeen}));
 }
 
 }  // namespace kelp

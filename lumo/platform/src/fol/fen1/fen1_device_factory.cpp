@@ -6,20 +6,24 @@
 #include "mpc_instance_device.h"
 #include "mpc_parent_device.h"
 #include "physical_device.h"
+#include "virtual_device.h"
 
 namespace kelp {
 namespace {
 
 using namespace feature;
 
-constexpr FeatureMaker kPhysical[] = {gpu<Fen1GpuFeatObj>, memory, mpc, vpu};
-constexpr FeatureMaker kMpcParent[] = {gpu<Fen1GpuFeatObj>, memory, mpc};
-constexpr FeatureMaker kMpcInstance[] = {gpu<Fen1GpuFeatObj>, memory, mpc, vpu};
+constexpr FeatureMaker kPhysical[] = {
+    disp, fan, gpu<Fen1GpuFeatObj>, memory, mpc, pcieWithCounters, pfm, topology, virt, vpu, affinity, event};
+constexpr FeatureMaker kMpcParent[] = {
+    disp, fan, gpu<Fen1GpuFeatObj>, memory, mpc, pcieWithCounters, pfm, topology, virt, affinity};
+constexpr FeatureMaker kMpcInstance[] = {fan, gpu<Fen1GpuFeatObj>, memory, mpc, pcie, vpu, topology};
 
 constexpr DeviceRow kDevices[] = {
     {DevType::kPhysical, makeDevice<PhysicalDevice>, kPhysical},
     {DevType::kMpcParent, makeDevice<MpcParentDevice>, kMpcParent},
     {DevType::kMpcInstance, makeDevice<MpcInstanceDevice>, kMpcInstance},
+    {DevType::kMediated, makeDevice<VirtualDevice>, kVirtualDevice},
     {DevType::kGuest, makeDevice<GuestDevice>, kGuestDevice},
 };
 

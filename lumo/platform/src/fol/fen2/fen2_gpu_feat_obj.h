@@ -7,7 +7,8 @@ namespace kelp {
 
 class Fen2GpuFeatObj : public GpuFeatObj {
  public:
-  explicit Fen2GpuFeatObj(const std::shared_ptr<CoreModel>& model) : GpuFeatObj(model, ids::kFenSensors) {}
+  explicit Fen2GpuFeatObj(const std::shared_ptr<CoreModel>& model)
+      : GpuFeatObj(model, {.clocks = ids::kFenClocks, .sensors = ids::kFenSensors}) {}
 };
 
 }  // namespace kelp

@@ -34,4 +34,20 @@ Stated<VpuCoreSpecData> VpuFeatObj::getCoreSpec(std::size_t core) const {
   return cores_.value()[core];
 }
 
+Stated<std::vector<Stated<float>>> VpuFeatObj::queryUtilization() const {
+  return model().exec(QueryVpuUtilCmd());
+}
+
+Stated<std::vector<Stated<unsigned int>>> VpuFeatObj::queryFrequency() const {
+  return model().exec(QueryVpuClockCmd());
+}
+
+Stated<std::vector<std::vector<Stated<VpuSsInstState>>>> VpuFeatObj::querySessionStates() const {
+  return model().exec(QueryVpuSsStatesCmd());
+}
+
+Stated<VpuSsMetrics> VpuFeatObj::querySessionMetrics(const QueryVpuSsMetricsParam& param) const {
+  return model().exec(QueryVpuSsMetricsCmd(param));
+}
+
 }  // namespace kelp

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "kelp_return.h"
 #include "objects/feat_obj.h"
 #include "vpu_values.h"
 
@@ -17,6 +18,13 @@ class VpuFeatObj : public FeatObj<VpuFeatObj> {
   Stated<unsigned int> getCoreCount() const;
   /// State 6 past the last core.
   Stated<VpuCoreSpecData> getCoreSpec(std::size_t core) const;
+  /// Percent, one per core; a core that is off has state 6.
+  Stated<std::vector<Stated<float>>> queryUtilization() const;
+  /// Hertz, one per core.
+  Stated<std::vector<Stated<unsigned int>>> queryFrequency() const;
+  /// Per core, per instance.
+  Stated<std::vector<std::vector<Stated<VpuSsInstState>>>> querySessionStates() const;
+  Stated<VpuSsMetrics> querySessionMetrics(const QueryVpuSsMetricsParam& param) const;
 
  private:
   Stated<std::vector<VpuCoreSpecData>> cores_;

@@ -5,15 +5,30 @@
 #include "mpc_parent_device.h"
 #include "physical_device.h"
 #include "tor1/tor1_gpu_feat_obj.h"
+#include "tor1/tor1_internal_feat_obj.h"
 
 namespace kelp {
 namespace {
 
 using namespace feature;
 
-constexpr FeatureMaker kPhysical[] = {vpu, ecc, memory, gpu<Tor1GpuFeatObj>};
+// The GPU with its memory comes after all else.
+constexpr FeatureMaker kPhysical[] = {disp,
+                                      fan,
+                                      sablink,
+                                      pcieWithCounters,
+                                      pfm,
+                                      topology,
+                                      virt,
+                                      vpu,
+                                      affinity,
+                                      event,
+                                      ecc,
+                                      memory,
+                                      gpu<Tor1GpuFeatObj>,
+                                      internal<Tor1InternalFeatObj>};
 // The parts of a divided GPU of this family show the partition alone.
-constexpr FeatureMaker kMpcParent[] = {mpc};
+constexpr FeatureMaker kMpcParent[] = {mpc, affinity};
 constexpr FeatureMaker kMpcInstance[] = {mpc};
 
 constexpr DeviceRow kDevices[] = {

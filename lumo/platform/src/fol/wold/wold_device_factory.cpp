@@ -2,6 +2,7 @@
 
 #include "feature_makers.h"
 #include "physical_device.h"
+#include "virtual_device.h"
 #include "wold/wold_gpu_feat_obj.h"
 
 namespace kelp {
@@ -9,10 +10,12 @@ namespace {
 
 using namespace feature;
 
-constexpr FeatureMaker kPhysical[] = {gpu<WoldGpuFeatObj>, memory, vpu};
+constexpr FeatureMaker kPhysical[] = {disp,     fan,  gpu<WoldGpuFeatObj>, memory, pcie, topology, virt, vpu,
+                                      affinity, event};
 
 constexpr DeviceRow kDevices[] = {
     {DevType::kPhysical, makeDevice<PhysicalDevice>, kPhysical},
+    {DevType::kMediated, makeDevice<VirtualDevice>, kVirtualDevice},
 };
 
 }  // namespace
