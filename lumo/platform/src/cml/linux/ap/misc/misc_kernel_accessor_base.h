@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "common/mkis/intf_names.h"
 #include "common/mkis/mkis_intf.h"
 #include "common/mkis/mkis_provider.h"
@@ -54,3 +56,11 @@ namespace kelp {
 #undef MISC_INTERFACE
 
 }  // namespace kelp
+
+namespace kelp::linux_ {
+
+/// What the slot of an interface lists.
+template <MiscMkisIntfName Name>
+using VersionsOf = decltype(MkisIntfSlot<Name>::versions(std::declval<MiscKernelAccessorBase&>()));
+
+}  // namespace kelp::linux_

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "commands.h"
+#include "common/mkis/firmware_components.h"
+#include "linux/ap/misc/dev_desc_record.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
-// Identity, description and firmware of a device.
+// Identity, description and firmware of a device, and its reset.
 
 namespace kelp::linux_ {
 
@@ -27,12 +30,9 @@ MCI_RECORD(MciGetMgtDevDescV1, 8, 1, 60);
 struct [[gnu::packed]] MciGetMgtDevDescV2 : MciMgtDevDesc {};
 MCI_RECORD(MciGetMgtDevDescV2, 8, 2, 60);
 
-/// The function's configuration space; the tool's copy ends before the reserved bytes.
-struct [[gnu::packed]] MciGetPciConfigSpaceV1 {
-  u8 configSpace[264];  // 0
-  WIRE_GAP(264, 272);
-};
-MCI_RECORD(MciGetPciConfigSpaceV1, 6, 1, 272);
+inline DevDesc readReply(const MciMgtDevDesc& reply) {
+  return readDevDesc(reply, reply.ionId);
+}
 
 struct [[gnu::packed]] MciGetInfoRomV1 {
   char serialNumber[64];  // 0
@@ -41,11 +41,33 @@ struct [[gnu::packed]] MciGetInfoRomV1 {
 };
 MCI_RECORD(MciGetInfoRomV1, 32, 1, 256);
 
+inline DeviceInfoRom readReply(const MciGetInfoRomV1& reply) {
+  return {.serialNumber = textOf(reply.serialNumber), .brand = textOf(reply.brand)};
+}
+
+struct [[gnu::packed]] MciResetDeviceEventMsgsV1 {
+  WIRE_GAP(0, 16);
+};
+MCI_RECORD(MciResetDeviceEventMsgsV1, 43, 1, 16);
+
+struct [[gnu::packed]] MciResetDeviceV1 {
+  WIRE_GAP(0, 16);
+};
+MCI_RECORD(MciResetDeviceV1, 50, 1, 16);
+
 struct [[gnu::packed]] MciGetSmcFwVerV1 {
   u32 versions[6];  // 0
   WIRE_GAP(24, 40);
 };
 MCI_RECORD(MciGetSmcFwVerV1, 52, 1, 40);
+
+inline FirmwareVersions readReply(const MciGetSmcFwVerV1& reply) {
+  FirmwareVersions versions;
+  for (std::size_t i = 0; i < std::size(reply.versions); ++i) {
+    versions.emplace(kFirmwareComponents[i], unlessAllOnes<unsigned int>(u32{reply.versions[i]}));
+  }
+  return versions;
+}
 
 struct [[gnu::packed]] MciGetEfuseDataV1 {
   u32 startBit;   // 0, in: wanted, out: first bit delivered
@@ -55,10 +77,29 @@ struct [[gnu::packed]] MciGetEfuseDataV1 {
 };
 MCI_RECORD(MciGetEfuseDataV1, 62, 1, 152);
 
+inline void fillRequest(MciGetEfuseDataV1& request, const QueryEfuseDataParam& param) {
+  request.startBit = param.startBit;
+  request.bitCount = param.bitCount;
+}
+
+inline EfuseData readReply(const MciGetEfuseDataV1& reply) {
+  constexpr u32 kBitsHeld = sizeof reply.words * 8;
+  EfuseData data{
+      .startBit = reply.startBit, .bitCount = std::min(u32{reply.bitCount}, kBitsHeld), .words = {}};
+  for (std::size_t i = 0; i < std::size(reply.words); ++i) {
+    data.words.push_back(reply.words[i]);
+  }
+  return data;
+}
+
 struct [[gnu::packed]] MciGetDevNameV0 {
   char name[48];  // 0
   WIRE_GAP(48, 64);
 };
 MCI_RECORD(MciGetDevNameV0, 71, 0, 64);
+
+inline std::string readReply(const MciGetDevNameV0& reply) {
+  return textOf(reply.name);
+}
 
 }  // namespace kelp::linux_

@@ -1,8 +1,13 @@
 #pragma once
 
-#include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
+#include <array>
+#include <span>
 
-// Memory of a device, the processes that hold it, and its error correction.
+#include "commands.h"
+#include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
+#include "linux/ap/misc/status_record.h"
+
+// Memory of a device, the processes that hold it, and its error detection.
 
 namespace kelp::linux_ {
 
@@ -14,6 +19,10 @@ struct [[gnu::packed]] MciGetDeviceMemUsageV1 {
   WIRE_GAP(40, 72);
 };
 MCI_RECORD(MciGetDeviceMemUsageV1, 3, 1, 72);
+
+inline MemoryUsage readReply(const MciGetDeviceMemUsageV1& reply) {
+  return readMemoryUsage(reply);
+}
 
 struct [[gnu::packed]] MciProcessMemRow {
   u64 gpuMemory;     // 0
@@ -30,12 +39,9 @@ struct [[gnu::packed]] MciGetProcessLevelMemV3 {
 };
 MCI_RECORD(MciGetProcessLevelMemV3, 4, 3, 7384);
 
-struct [[gnu::packed]] MciGetEccModeV1 {
-  u32 current;  // 0
-  u8 pending;   // 4, after the next reset
-  WIRE_GAP(5, 21);
-};
-MCI_RECORD(MciGetEccModeV1, 48, 1, 21);
+inline ProcessMemoryMap readReply(const MciGetProcessLevelMemV3& reply) {
+  return readProcessMemory(reply);
+}
 
 struct [[gnu::packed]] MciGetDdrConfInfoV1 {
   u64 maxClock;  // 0, hertz, 0 unknown
@@ -46,5 +52,94 @@ struct [[gnu::packed]] MciGetDdrConfInfoV1 {
   WIRE_GAP(16, 24);
 };
 MCI_RECORD(MciGetDdrConfInfoV1, 57, 1, 24);
+
+/// Makers of memory chips by the number in the record; the gaps are unknown.
+inline Stated<std::string> memoryVendorOf(u32 number) {
+  constexpr std::array<const char*, 4> kVendors{nullptr, "Samsung", "Micron", "Hynix"};
+  if (number >= kVendors.size() || kVendors[number] == nullptr) {
+    return KelpReturn::kNotSupported;
+  }
+  return std::string(kVendors[number]);
+}
+
+inline MemorySpec readReply(const MciGetDdrConfInfoV1& reply) {
+  constexpr u32 kUnknownType = 15;
+  const u32 type = reply.typeVendor & 0xFU;
+  MemorySpec spec;
+  spec.maxClock = unlessZero<unsigned long>(u64{reply.maxClock});
+  spec.type = type == kUnknownType ? Stated<unsigned int>(KelpReturn::kNotSupported) : type;
+  spec.vendor = memoryVendorOf(reply.typeVendor >> 4);
+  spec.channelCount = unlessZero<unsigned int>(reply.channels & 0xFFU);
+  spec.channelWidth = unlessZero<unsigned int>(u32{reply.channels} >> 8);
+  return spec;
+}
+
+struct [[gnu::packed]] MciGetMemTemperV1 {
+  u32 temperature;  // 0, of the hottest channel, degrees Celsius
+  WIRE_GAP(4, 8);
+  u64 channelMask;  // 8, channels that were measured
+  WIRE_GAP(16, 212);
+};
+MCI_RECORD(MciGetMemTemperV1, 63, 1, 212);
+
+/// A reading of no channel at all is none.
+inline Stated<unsigned int> readReply(const MciGetMemTemperV1& reply) {
+  if (reply.channelMask == 0) {
+    return KelpReturn::kNotSupported;
+  }
+  return u32{reply.temperature};
+}
+
+struct [[gnu::packed]] MciGetMemTemperV2 {
+  u32 temperature;  // 0, of the hottest channel, degrees Celsius
+  WIRE_GAP(4, 20);
+};
+MCI_RECORD(MciGetMemTemperV2, 63, 2, 20);
+
+inline unsigned int readReply(const MciGetMemTemperV2& reply) {
+  return reply.temperature;
+}
+
+struct [[gnu::packed]] MciMemEdcRow {
+  u32 readErrors;    // 0
+  u32 writeErrors;   // 4
+  u32 readRetries;   // 8
+  u32 writeRetries;  // 12
+};
+struct [[gnu::packed]] MciGetMemEdcV1 {
+  u32 channelCount;       // 0
+  MciMemEdcRow rows[24];  // 4
+  WIRE_GAP(388, 404);
+};
+MCI_RECORD(MciGetMemEdcV1, 64, 1, 404);
+
+/// The channels together. A sum that leaves its field stays at the field's highest.
+inline MemoryEdc readReply(const MciGetMemEdcV1& reply) {
+  const std::span rows(reply.rows, rowsOf(reply.channelCount, reply.rows));
+  const auto sum = [&](auto counterOf) {
+    u64 total = 0;
+    for (const MciMemEdcRow& row : rows) {
+      total += counterOf(row);
+    }
+    return static_cast<u32>(std::min<u64>(total, std::numeric_limits<u32>::max()));
+  };
+  return {.readErrors = sum([](const MciMemEdcRow& row) { return u32{row.readErrors}; }),
+          .writeErrors = sum([](const MciMemEdcRow& row) { return u32{row.writeErrors}; }),
+          .readRetries = sum([](const MciMemEdcRow& row) { return u32{row.readRetries}; }),
+          .writeRetries = sum([](const MciMemEdcRow& row) { return u32{row.writeRetries}; })};
+}
+
+struct [[gnu::packed]] MciGetMemEdcV2 {
+  MciMemEdcRow total;  // 0
+  WIRE_GAP(16, 32);
+};
+MCI_RECORD(MciGetMemEdcV2, 64, 2, 32);
+
+inline MemoryEdc readReply(const MciGetMemEdcV2& reply) {
+  return {.readErrors = reply.total.readErrors,
+          .writeErrors = reply.total.writeErrors,
+          .readRetries = reply.total.readRetries,
+          .writeRetries = reply.total.writeRetries};
+}
 
 }  // namespace kelp::linux_

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <type_traits>
 
 #include "linux/ap/wire.h"
@@ -39,6 +40,23 @@ struct [[gnu::packed]] MciCall {
   MciBody body;
   Payload payload;
 };
+
+/// A number in a field that may be narrower: what does not fit becomes the field's highest, so that it
+/// never turns into another's number.
+template <class Field>
+constexpr Field saturated(u32 number) {
+  return static_cast<Field>(std::min<u32>(number, std::numeric_limits<Field>::max()));
+}
+
+/// A figure that the driver counts in thousandths.
+constexpr float ofThousandths(std::integral auto count) {
+  return static_cast<float>(count) / 1000.0F;
+}
+
+/// Two numbers in the driver's one 64-bit field.
+constexpr u64 selectorOf(u32 low, u32 high) {
+  return u64{low} | (u64{high} << 32);
+}
 
 /// What a payload's record line states; a payload without one can't be sent.
 template <class Payload>
