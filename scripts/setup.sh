@@ -16,6 +16,7 @@ packages=(
   nlohmann-json3-dev:/usr/include/nlohmann/json.hpp
   libmbedtls-dev:/usr/include/mbedtls/aes.h
   libgtest-dev:/usr/include/gtest/gtest.h
+  pkg-config:pkg-config
 )
 
 missing_packages() {
