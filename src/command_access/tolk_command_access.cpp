@@ -199,7 +199,7 @@ LumoReturn TolkCommandAccess::queryDeviceInfo(std::uint32_t index, nlohmann::ord
   row["MPC Capable"] = mpcCapableText(*device);
   row["ECC Mode"] = eccText(*device, pci ? pci->deviceId >> 8 : 0);
   const auto state = performanceState(*device);
-  row["Perf"] = state ? "P" + std::to_string(*state) : kNoValue;
+  row["Perf"] = state ? std::string("P").append(std::to_string(*state)) : kNoValue;
 
   document["Device"][std::to_string(index)] = std::move(row);
   return LUMO_RETURN_SUCCESS;
