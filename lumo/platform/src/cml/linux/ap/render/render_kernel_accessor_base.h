@@ -18,7 +18,7 @@ class RenderKernelAccessorBase {
   virtual void deinit() = 0;
   virtual MkisStated<RemoteList> mkisList(const MkisProbe& probe) = 0;
 
-#define RENDER_INTERFACE(number, name, slot, ...) virtual VersionMap<Operation<__VA_ARGS__>> slot() { return {}; }
+#define RENDER_INTERFACE(number, name, slot, ...) virtual VersionMap<Operation<__VA_ARGS__>> slot() = 0;
 #include "common/mkis/render_interfaces.def"
 #undef RENDER_INTERFACE
 };

@@ -22,8 +22,9 @@ constexpr std::array kDefaultList{100000, 100001, 100002, 100003, 100004};
 
 }  // namespace
 
-RenderMkisProvider::RenderMkisProvider(std::string nodeName, DevArch arch)
-    : nodeName_(std::move(nodeName)), arch_(arch) {}
+RenderMkisProvider::RenderMkisProvider(std::string nodeName, DevArch arch,
+                                       std::optional<std::uint32_t> vgpuId)
+    : nodeName_(std::move(nodeName)), arch_(arch), vgpuId_(vgpuId) {}
 
 RenderMkisProvider::~RenderMkisProvider() = default;
 
@@ -39,7 +40,7 @@ MkisStated<int> RenderMkisProvider::init() {
   if (!probe.ok()) {
     KELP_LOG(kError) << "get mkis probe failed. error code is " << probe.state();
     remoteList_ = mkisListDefault();
-    accessor_ = std::make_unique<RenderKernelAccessor>(std::move(node), arch_);
+    accessor_ = std::make_unique<RenderKernelAccessor>(std::move(node), arch_, vgpuId_);
     return 0;
   }
   const auto protocol =
@@ -52,7 +53,7 @@ MkisStated<int> RenderMkisProvider::init() {
     return MkisError::kFailure;
   }
   KELP_LOG(kInfo) << "use mkis major 0 as protocol";
-  auto accessor = std::make_unique<RenderKernelAccessor>(std::move(node), arch_);
+  auto accessor = std::make_unique<RenderKernelAccessor>(std::move(node), arch_, vgpuId_);
   auto list = accessor->mkisList(probe.value());
   if (!list.ok()) {
     return MkisError::kFailure;

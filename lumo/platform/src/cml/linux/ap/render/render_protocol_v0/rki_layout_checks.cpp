@@ -9,6 +9,17 @@ namespace kelp::linux_ {
 #define AT(Record, field, offset, width) \
   static_assert(offsetof(Record, field) == (offset) && sizeof(Record::field) == (width))
 
+AT(RkiMkisList, start, 0, 4);
+AT(RkiMkisList, count, 4, 4);
+AT(RkiMkisList, entries, 8, 20 * 16);
+AT(MkiMkisListEntry, name, 0, 4);
+AT(MkiMkisListEntry, version, 4, 4);
+
+AT(RkiGetVpuInfoV0, operation, 0, 2);
+AT(RkiGetVpuInfoV0, coreId, 2, 2);
+AT(RkiGetVpuInfoV0, instance, 4, 4);
+AT(RkiGetVpuInfoV0, reply, 8, 152);
+
 AT(RkiGetVpuInfoV1, operation, 0, 2);
 AT(RkiGetVpuInfoV1, coreId, 2, 2);
 AT(RkiGetVpuInfoV1, instance, 4, 4);
@@ -21,6 +32,34 @@ AT(RkiGetVpuInfoV2, coreId, 16, 4);
 AT(RkiGetVpuInfoV2, instance, 20, 4);
 AT(RkiGetVpuInfoV2, vgpuId, 24, 4);
 AT(RkiGetVpuInfoV2, vgpuValid, 28, 4);
+
+static_assert(sizeof(VpuUtilReply) == 64);
+AT(VpuUtilReply, cores, 0, 16 * 4);
+AT(VpuCoreBusy, percent, 0, 4);
+
+static_assert(sizeof(VpuSsMetricsReply) == 36);
+AT(VpuSsMetricsReply, status, 0, 4);
+AT(VpuSsMetricsReply, pid, 4, 4);
+AT(VpuSsMetricsReply, codec, 8, 4);
+AT(VpuSsMetricsReply, hRes, 12, 4);
+AT(VpuSsMetricsReply, vRes, 16, 4);
+AT(VpuSsMetricsReply, fps, 20, 4);
+AT(VpuSsMetricsReply, bitrate, 24, 4);
+AT(VpuSsMetricsReply, sessionId, 28, 4);
+
+static_assert(sizeof(VpuSsStatesReplyV2) == 132);
+AT(VpuSsStatesReplyV2, count, 0, 4);
+AT(VpuSsStatesReplyV2, instances, 4, 32 * 4);
+
+static_assert(sizeof(VpuSsStatesReplyV3) == 152);
+AT(VpuSsStatesReplyV3, coreId, 0, 4);
+AT(VpuSsStatesReplyV3, count, 4, 4);
+AT(VpuSsStatesReplyV3, instances, 8, 36 * 4);
+AT(VpuInstanceState, state, 0, 4);
+
+static_assert(sizeof(VpuClockReply) == 128);
+AT(VpuClockReply, cores, 0, 16 * 8);
+AT(VpuCoreClock, hertz, 0, 4);
 
 static_assert(sizeof(VpuSpecReply) == 132);
 AT(VpuSpecReply, coreCount, 0, 4);
