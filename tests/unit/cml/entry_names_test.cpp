@@ -22,6 +22,7 @@ TEST(EntryNames, NumberBeyond64BitsIsNone) {
 TEST(EntryNames, FormsAreThoseOfTheExpressions) {
   const std::regex misc("ovgpu\\.[0-9]+");
   const std::regex address("[0-9a-zA-Z]{4,8}:[0-9a-zA-Z]{2}:[0-9a-zA-Z]{2}\\.[0-9a-zA-Z]{1}");
+  const std::regex hexAddress("^[0-9a-fA-F]{4,8}:[0-9a-fA-F]{2}:[0-9a-fA-F]{2}\\.[0-9a-fA-F]{1}$");
   for (const char* const name : {"",
                                  ".",
                                  "..",
@@ -43,6 +44,9 @@ TEST(EntryNames, FormsAreThoseOfTheExpressions) {
                                  "000:41:00.0",
                                  "000000000:41:00.0",
                                  "zZ09:zz:ZZ.z",
+                                 "aF09:aa:FF.f",
+                                 "000g:41:00.0",
+                                 "0000:41:00.G",
                                  "0000:41:00.",
                                  "0000:41:00.00",
                                  "0000:41:00x0",
@@ -61,6 +65,7 @@ TEST(EntryNames, FormsAreThoseOfTheExpressions) {
                                  "new_id"}) {
     EXPECT_EQ(numberBehind("ovgpu.", name).has_value(), std::regex_match(name, misc)) << name;
     EXPECT_EQ(isPciAddress(name), std::regex_match(name, address)) << name;
+    EXPECT_EQ(isHexPciAddress(name), std::regex_match(name, hexAddress)) << name;
   }
 }
 

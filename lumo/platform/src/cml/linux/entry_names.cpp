@@ -11,6 +11,21 @@ bool isAlphanumeric(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
+bool isHexDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isAddressOf(bool (*isDigit)(char), std::string_view name) {
+  constexpr std::string_view kBehindDomain = ":xx:xx.x";
+  if (name.size() < 4 + kBehindDomain.size() || name.size() > 8 + kBehindDomain.size()) {
+    return false;
+  }
+  const std::size_t domainLength = name.size() - kBehindDomain.size();
+  return std::ranges::all_of(name.substr(0, domainLength), isDigit) &&
+         std::ranges::equal(name.substr(domainLength), kBehindDomain,
+                            [=](char c, char form) { return form == 'x' ? isDigit(c) : c == form; });
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> numberBehind(std::string_view prefix, std::string_view name) {
@@ -21,14 +36,11 @@ std::optional<std::uint64_t> numberBehind(std::string_view prefix, std::string_v
 }
 
 bool isPciAddress(std::string_view name) {
-  constexpr std::string_view kBehindDomain = ":xx:xx.x";
-  if (name.size() < 4 + kBehindDomain.size() || name.size() > 8 + kBehindDomain.size()) {
-    return false;
-  }
-  const std::size_t domainLength = name.size() - kBehindDomain.size();
-  return std::ranges::all_of(name.substr(0, domainLength), isAlphanumeric) &&
-         std::ranges::equal(name.substr(domainLength), kBehindDomain,
-                            [](char c, char form) { return form == 'x' ? isAlphanumeric(c) : c == form; });
+  return isAddressOf(isAlphanumeric, name);
+}
+
+bool isHexPciAddress(std::string_view name) {
+  return isAddressOf(isHexDigit, name);
 }
 
 }  // namespace kelp::linux_

@@ -17,4 +17,7 @@ std::optional<std::uint64_t> numberBehind(std::string_view prefix, std::string_v
 /// two, ".", one.
 bool isPciAddress(std::string_view name);
 
+/// The same with hexadecimal digits alone.
+bool isHexPciAddress(std::string_view name);
+
 }  // namespace kelp::linux_

@@ -9,7 +9,7 @@
 #include "kelp_log.h"
 #include "linux/entry_names.h"
 #include "linux/fs_helper.h"
-#include "linux/mdev.h"
+#include "linux/mdev/mdev_physical.h"
 #include "linux/paths.h"
 #include "pci_sbdf.h"
 #include "rusk/text.h"
@@ -94,7 +94,7 @@ Stated<DevCuid> ModelEnumerator::genVirtCuid(const Stated<DevCuid>& function, co
   if (!function.ok()) {
     return function;
   }
-  const Stated<std::uint64_t> vgpuId = MdevVirtual(uuid).readVgpuId();
+  const Stated<unsigned int> vgpuId = MdevVirtual(uuid).readVgpuId();
   if (!vgpuId.ok()) {
     KELP_LOG(kError) << "Failed to get vgpuid for uuid - " << uuid;
     return vgpuId.state();
@@ -263,15 +263,7 @@ Stated<DevCuidSet> ModelEnumerator::enumerateMpci(const std::string& sbdf) {
 }
 
 Stated<std::vector<std::string>> ModelEnumerator::listMediated(const std::string& sbdf) {
-  const auto devices = MdevPhysical(sbdf).listVirtual();
-  if (!devices.ok()) {
-    return devices.state();
-  }
-  std::vector<std::string> uuids;
-  for (const MdevVirtual& device : devices.value()) {
-    uuids.push_back(device.getUuid());
-  }
-  return uuids;
+  return MdevPhysical(sbdf).listUuids();
 }
 
 Stated<DevCuidSet> ModelEnumerator::enumerateVirt(const std::string& sbdf) {

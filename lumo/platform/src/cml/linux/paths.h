@@ -41,10 +41,17 @@ inline constexpr const char* kMountsFile = "/proc/mounts";
 inline constexpr const char* kInitCgroupFile = "/proc/1/cgroup";
 inline constexpr const char* kCgroupFolder = "/sys/fs/cgroup";
 
-/// One link per function that can carry mediated devices.
-inline constexpr const char* kMediatedParentsFolder = "/sys/class/mdev_bus/";
+/// One link per function that can carry mediated devices, and in it a folder per type that it offers.
+inline constexpr const char* kMediatedParentsFolder = "/sys/class/mdev_bus";
+inline constexpr const char* kMediatedTypesFolder = "/mdev_supported_types";
 /// One link per mediated device, named by its uuid.
 inline constexpr const char* kMediatedDevicesFolder = "/sys/bus/mdev/devices";
+/// Below a mediated device: the link to its type, and what the driver knows of it.
+inline constexpr const char* kMediatedTypeLink = "/mdev_type";
 inline constexpr const char* kVgpuIdFile = "/ovgpu_vgpu/vgpu_id";
+inline constexpr const char* kVmPidFile = "/ovgpu_vgpu/vm_pid";
+
+/// One link per InfiniBand adapter.
+inline constexpr const char* kInfinibandFolder = "/sys/class/infiniband/";
 
 }  // namespace kelp::linux_

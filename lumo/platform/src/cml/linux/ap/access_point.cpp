@@ -1,19 +1,36 @@
 #include "linux/ap/access_point.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 
 #include "common/efuse/efuse.h"
 #include "kelp_log.h"
 #include "linux/access_os.h"
 #include "linux/ap/device_uuid.h"
+#include "linux/fs_helper.h"
+#include "linux/paths.h"
 #include "linux/pci_access.h"
 #include "pci_sbdf.h"
+#include "rusk/text.h"
 
 namespace kelp::linux_ {
 namespace {
 
 // Where the chip's identity may lie; the driver moves the window to its own bank.
 constexpr QueryEfuseDataParam kIdentityBits{.startBit = 2048, .bitCount = 1024};
+
+/// Where a function's folder tells of its NUMA node.
+struct AffinityFile {
+  AffinityType type;
+  const char* file;
+  const char* line;
+};
+constexpr std::array kAffinityFiles{
+    AffinityFile{AffinityType::kCpuList, "/local_cpulist", "cpu affinity string file path is "},
+    AffinityFile{AffinityType::kCpuBitmask, "/local_cpus", "cpu affinity bitmask file path is "},
+    AffinityFile{AffinityType::kMemory, "/numa_node", "memory affinity file path is "},
+};
 
 /// Lowest firmware that the driver of a family is known to work with; no row, no check.
 struct LowestFirmware {
@@ -32,12 +49,19 @@ constexpr std::array kLowestFirmware{
 AccessPoint::~AccessPoint() = default;
 
 std::string AccessPoint::miscName() const {
-  return "ovgpu." + std::to_string(cuid_.intId);
+  return kMiscPrefix + std::to_string(cuid_.intId);
+}
+
+std::string AccessPoint::sbdf() const {
+  return sbdfText(cuid_.sbdf);
 }
 
 Done AccessPoint::init() {
   if (devDesc_.ok()) {
     return 0;
+  }
+  if (cuid_.type == DevType::kMediated) {
+    return initVirt();
   }
   if (auto done = initMiscContext(); !done.ok()) {
     return done;
@@ -54,19 +78,25 @@ Done AccessPoint::init() {
   return 0;
 }
 
+Done AccessPoint::openMiscContext(MiscMkisProvider& context, const char* failure) const {
+  if (const auto done = context.init(); !done.ok()) {
+    KELP_LOG(kError) << failure << done.state();
+    return toKelpReturn(done.state());
+  }
+  if (auto done = context.postInit(); !done.ok()) {
+    KELP_LOG(kError) << failure << done.state();
+    return done;
+  }
+  context.setArch(cuid_.arch);
+  return 0;
+}
+
 Done AccessPoint::initMiscContext() {
   miscContext_.reset();
   auto context = std::make_unique<MiscMkisProvider>(miscName());
-  if (const auto done = context->init(); !done.ok()) {
-    KELP_LOG(kError) << "misc context init failed, state = " << done.state();
-    return toKelpReturn(done.state());
+  if (auto done = openMiscContext(*context, "misc context init failed, state = "); !done.ok()) {
+    return done;
   }
-  if (const auto done = context->postInit(); !done.ok()) {
-    KELP_LOG(kError) << "misc context init failed, state = " << done.state();
-    return done.state();
-  }
-  context->setArch(cuid_.arch);
-
   auto desc = describe(*context);
   if (!desc.ok()) {
     return desc.state();
@@ -125,6 +155,25 @@ Stated<std::string> AccessPoint::makeUuid(MiscMkisProvider& context, const DevDe
   return uuidOfInstance(chip, profile.value().id, desc.parentMiscId);
 }
 
+Done AccessPoint::openRenderContext(const std::string& nodeName, const char* failure) {
+  std::optional<std::uint32_t> vgpuId;
+  if (cuid_.type == DevType::kMediated) {
+    vgpuId = static_cast<std::uint32_t>(cuid_.intId);
+  }
+  auto context = std::make_unique<RenderMkisProvider>(nodeName, cuid_.arch, vgpuId);
+  if (const auto done = context->init(); !done.ok()) {
+    KELP_LOG(kError) << failure << done.state();
+    return toKelpReturn(done.state());
+  }
+  if (const auto done = context->postInit(); !done.ok()) {
+    // Without its cores the video engine answers "not supported"; the rest of the device works.
+    KELP_LOG(kError) << failure << done.state();
+    return 0;
+  }
+  renderContext_ = std::move(context);
+  return 0;
+}
+
 Done AccessPoint::initRenderContext() {
   renderContext_.reset();
   const auto vpuEnabled = AccessOs::isVpuEnable();
@@ -135,18 +184,7 @@ Done AccessPoint::initRenderContext() {
     return 0;
   }
   const std::string nodeName = path.value().substr(path.value().rfind('/') + 1);
-  auto context = std::make_unique<RenderMkisProvider>(nodeName, cuid_.arch);
-  if (const auto done = context->init(); !done.ok()) {
-    KELP_LOG(kError) << "render context init failed, state = " << done.state();
-    return toKelpReturn(done.state());
-  }
-  if (const auto done = context->postInit(); !done.ok()) {
-    // Without its cores the video engine answers "not supported"; the rest of the device works.
-    KELP_LOG(kError) << "render context init failed, state = " << done.state();
-    return 0;
-  }
-  renderContext_ = std::move(context);
-  return 0;
+  return openRenderContext(nodeName, "render context init failed, state = ");
 }
 
 Done AccessPoint::checkFwVersion() {
@@ -182,11 +220,11 @@ Stated<PcieInfo> AccessPoint::doExec(const QueryPcieInfoCmd& /*cmd*/) {
     return info;
   }
   KELP_LOG(kError) << "get pci info from kmd error. error state is " << info.state();
-  const std::string sbdf = AccessOs::getPciBdfFromSysfs(miscName());
-  if (sbdf.empty()) {
+  const std::string address = AccessOs::getPciBdfFromSysfs(miscName());
+  if (address.empty()) {
     return KelpReturn::kFailure;
   }
-  return readPcieInfoFromSysfs(sbdf);
+  return readPcieInfoFromSysfs(address);
 }
 
 Stated<Efuse> AccessPoint::queryEfuse(MiscMkisProvider& context) const {
@@ -209,40 +247,35 @@ Stated<unsigned long> AccessPoint::doExec(const QueryMpcParentCmd& cmd) {
   if (!parentMiscId.ok()) {
     return parentMiscId;
   }
-  const std::string sbdf = AccessOs::getPciBdfFromSysfs("ovgpu." + std::to_string(parentMiscId.value()));
-  if (sbdf.empty()) {
+  const std::string parent = AccessOs::getPciBdfFromSysfs(kMiscPrefix + std::to_string(parentMiscId.value()));
+  const std::uint64_t packed = parent.empty() ? 0 : pciSbdfToUint64(parent);
+  if (packed == 0) {
     return KelpReturn::kNotFound;
   }
-  return static_cast<unsigned long>(pciSbdfToUint64(sbdf));
+  return static_cast<unsigned long>(packed);
 }
 
-// Not served yet.
-Stated<std::string> AccessPoint::doExec(const QueryAffinityWithinNodeCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
+Stated<std::string> AccessPoint::doExec(const QueryAffinityWithinNodeCmd& cmd) {
+  const auto row = std::ranges::find(kAffinityFiles, cmd.type, &AffinityFile::type);
+  if (row == kAffinityFiles.end()) {
+    KELP_LOG(kError) << "invalid affinity type. type is " << cmd.type;
+    return KelpReturn::kNotSupported;
+  }
+  const std::string path = std::string(kPciDevicesFolder) + "/" + sbdf() + row->file;
+  KELP_LOG(kInfo) << row->line << path;
+  std::string text;
+  if (FsHelper::read(path, text) < 0) {
+    return KelpReturn::kReadFailed;
+  }
+  return std::string(rusk::trim(text));
 }
-Stated<int> AccessPoint::doExec(const ResetDeviceCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<std::vector<MdevVirtType>> AccessPoint::doExec(const QuerySupportedVirtTypesCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<std::vector<MdevVirtType>> AccessPoint::doExec(const QueryAvailableVirtTypesCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<unsigned int> AccessPoint::doExec(const QueryAvailableVirtInstancesCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<std::vector<std::string>> AccessPoint::doExec(const QueryActiveVirtUuidsCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<MdevVirtType> AccessPoint::doExec(const QueryVirtTypeCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<unsigned int> AccessPoint::doExec(const QueryVgpuIdCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
-}
-Stated<unsigned int> AccessPoint::doExec(const QueryVmPidCmd& /*cmd*/) {
-  return KelpReturn::kNotSupported;
+
+Stated<int> AccessPoint::doExec(const ResetDeviceCmd& cmd) {
+  renderContext_.reset();
+  auto done = forward(miscContext_.get(), cmd);
+  const auto reopened = initRenderContext();
+  KELP_LOG(kInfo) << "device " << cuid_.intId << " render context reinit state is " << reopened.state();
+  return done;
 }
 
 }  // namespace kelp::linux_

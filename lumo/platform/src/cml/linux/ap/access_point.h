@@ -41,8 +41,10 @@ class AccessPoint : public AccessPointBase {
   /// The driver names the parent by its node; the result is that node's packed PCI address.
   Stated<unsigned long> doExec(const QueryMpcParentCmd& cmd);
   Stated<std::string> doExec(const QueryAffinityWithinNodeCmd& cmd);
-  /// Closes the render node, resets, and opens it again; the misc node stays open over the reset.
+  /// Closes the render node, resets, and opens it again; the misc node stays open over the reset. A render
+  /// node that does not come back does not change the result.
   Stated<int> doExec(const ResetDeviceCmd& cmd);
+  // What the mediated device framework tells, in access_point_mediated.cpp.
   Stated<std::vector<MdevVirtType>> doExec(const QuerySupportedVirtTypesCmd& cmd);
   Stated<std::vector<MdevVirtType>> doExec(const QueryAvailableVirtTypesCmd& cmd);
   Stated<unsigned int> doExec(const QueryAvailableVirtInstancesCmd& cmd);
@@ -69,9 +71,17 @@ class AccessPoint : public AccessPointBase {
 
   Done initMiscContext();
   Done initRenderContext();
+  /// A mediated device has no nodes of its own: it is reached over those of the GPU that carries it.
+  Done initVirt();
   Done checkFwVersion();
 
+  /// Negotiates on a misc node; `failure` is what the log says in front of the state.
+  Done openMiscContext(MiscMkisProvider& context, const char* failure) const;
+  /// Negotiates on a render node, and keeps it when the video engine tells its cores.
+  Done openRenderContext(const std::string& nodeName, const char* failure);
+
   std::string miscName() const;
+  std::string sbdf() const;
   Stated<DevDesc> describe(MiscMkisProvider& context) const;
   Stated<std::string> makeUuid(MiscMkisProvider& context, const DevDesc& desc) const;
   Stated<Efuse> queryEfuse(MiscMkisProvider& context) const;
