@@ -96,6 +96,37 @@ TEST_F(DeviceManagerTest, ADeviceWithoutDescriptionIsTriedAgain) {
   EXPECT_EQ(log_.count("Failed to initialize device"), 2U);
 }
 
+TEST_F(DeviceManagerTest, AVgpuIsADeviceOfItsOwn) {
+  const DevCuid carrier = makeCuid(DevType::kPhysical, DevArch::kFen1, 0);
+  const DevCuid vgpu = makeCuid(DevType::kMediated, DevArch::kFen1, 7);
+  platform_.virtCuids = DevCuidSet{vgpu};
+  const auto cuids = manager_.getDevice(carrier).value()->getVirtDevCuids();
+  ASSERT_EQ(cuids.value(), std::vector<DevCuid>{vgpu});
+  const auto device = manager_.getDevice(cuids.value().front());
+  ASSERT_TRUE(device.ok());
+  EXPECT_EQ(device.value()->getDeviceName().state(), KelpReturn::kNotSupported);
+  EXPECT_NE(device.value()->getFeatures().virt, nullptr);
+}
+
+TEST_F(DeviceManagerTest, AllDevicesButOneAreClosedAndReopened) {
+  manager_.closeOtherDevices(makeCuid(DevType::kPhysical, DevArch::kTor1, 3));
+  manager_.reopenOtherDevices(makeCuid(DevType::kPhysical, DevArch::kTor1, 3));
+  EXPECT_EQ(platform_.othersTouched, (std::vector<std::string>{"close 3", "reopen 3"}));
+}
+
+TEST_F(DeviceManagerTest, DistancesAndAdaptersAreAskedOfSysfs) {
+  platform_.topologyLevel = TopologyLevel::kHostBridge;
+  platform_.nics = std::vector<std::string>{"0000:17:00.0"};
+  EXPECT_EQ(DeviceManager::queryTopologyLevel("0000:01:00.0", "0000:41:00.0").value(),
+            TopologyLevel::kHostBridge);
+  EXPECT_EQ(platform_.topologyOf, std::pair(std::string("0000:01:00.0"), std::string("0000:41:00.0")));
+  EXPECT_EQ(DeviceManager::queryNicDevices().value(), (std::vector<std::string>{"0000:17:00.0"}));
+  platform_.topologyLevel = KelpReturn::kFailure;
+  platform_.nics = KelpReturn::kReadFailed;
+  EXPECT_EQ(DeviceManager::queryTopologyLevel("", "").state(), KelpReturn::kFailure);
+  EXPECT_EQ(DeviceManager::queryNicDevices().state(), KelpReturn::kReadFailed);
+}
+
 TEST_F(DeviceManagerTest, ADeviceIsMadeOnceWhenManyThreadsWantIt) {
   std::vector<std::shared_ptr<DeviceObj>> devices(8);
   std::vector<std::thread> threads;

@@ -153,6 +153,81 @@ TEST_F(DeviceObjectTest, ThePciDeviceIdIsAFieldOfThePciRecord) {
   EXPECT_EQ(device->queryPciDeviceId().state(), KelpReturn::kReadFailed);
 }
 
+TEST_F(DeviceObjectTest, VgpusAreThoseOfTheHost) {
+  platform_.virtCuids = DevCuidSet{makeCuid(DevType::kMediated, DevArch::kFen2, 7),
+                                   makeCuid(DevType::kMediated, DevArch::kFen2, 8)};
+  const auto cuids = makeReady(DevType::kPhysical)->getVirtDevCuids();
+  ASSERT_TRUE(cuids.ok());
+  EXPECT_EQ(cuids.value().size(), 2U);
+}
+
+TEST_F(DeviceObjectTest, VgpusThatCannotBeListedKeepTheState) {
+  platform_.virtCuids = KelpReturn::kReadFailed;
+  EXPECT_EQ(makeReady(DevType::kPhysical)->getVirtDevCuids().state(), KelpReturn::kReadFailed);
+  EXPECT_TRUE(log_.has(LogLevel::kError, "Failed to list virtual cuids for pcie device :  0000:41:00.0 "));
+}
+
+TEST_F(DeviceObjectTest, NodesAndCoresAreThoseOfTheDescription) {
+  DevDesc desc;
+  desc.kmdValue64 = 0xBUL;
+  desc.miscPath = std::string("/dev/ovgpu.9");
+  desc.cardPath = std::string("/dev/dri/card1");
+  desc.renderPath = std::string("/dev/dri/renderD129");
+  desc.ionPath = KelpReturn::kNotFound;
+  platform_.desc = desc;
+  const std::shared_ptr<DeviceObj> device = makeReady(DevType::kPhysical);
+  EXPECT_EQ(device->getUsableCores().value(), 0xBUL);
+  EXPECT_EQ(device->getMiscPath().value(), "/dev/ovgpu.9");
+  EXPECT_EQ(device->getCardPath().value(), "/dev/dri/card1");
+  EXPECT_EQ(device->getRenderPath().value(), "/dev/dri/renderD129");
+  EXPECT_EQ(device->getIonPath().state(), KelpReturn::kNotFound);
+  EXPECT_EQ(device->getWideName().state(), KelpReturn::kNotSupported);
+}
+
+TEST_F(DeviceObjectTest, PowerIsThatOfTheBoard) {
+  platform_.answerBy<QueryPowerCmd>([](const DevCuid&, const QueryPowerCmd& cmd) {
+    return Stated<unsigned int>(std::get<0>(cmd.params).domain == 0 ? 85500U : 1U);
+  });
+  EXPECT_EQ(makeReady(DevType::kMpcInstance)->queryPowerUsage().value(), 85500U);
+}
+
+TEST_F(DeviceObjectTest, WhatIsSetReachesTheDriver) {
+  std::vector<unsigned int> sent;
+  platform_.answerBy<SetPstateCmd>([&](const DevCuid&, const SetPstateCmd& cmd) {
+    sent.push_back(std::get<0>(cmd.params).state);
+    return Stated<int>(0);
+  });
+  platform_.answerBy<SetPowerLimitCmd>([&](const DevCuid&, const SetPowerLimitCmd& cmd) {
+    sent.push_back(std::get<0>(cmd.params).limit + (std::get<0>(cmd.params).persistent ? 1 : 0));
+    return Stated<int>(0);
+  });
+  platform_.answerBy<QueryPowerLimitCmd>([](const DevCuid&, const QueryPowerLimitCmd& cmd) {
+    return Stated<unsigned int>(static_cast<unsigned int>(std::get<0>(cmd.params)));
+  });
+  platform_.answerBy<QueryProcGpuUtilCmd>([&](const DevCuid&, const QueryProcGpuUtilCmd& cmd) {
+    sent.push_back(static_cast<unsigned int>(std::get<0>(cmd.params).lastSeen));
+    return Stated<ProcessGpuUtilMap>(ProcessGpuUtilMap{});
+  });
+  const auto device =
+      Tor1DeviceFactory().createDevice(makeCuid(DevType::kPhysical, DevArch::kTor1), manager_).take();
+  ASSERT_TRUE(device->init().ok());
+  EXPECT_TRUE(device->setPerfState(15).ok());
+  EXPECT_TRUE(device->setPowerLimit({.limit = 250000, .persistent = true}).ok());
+  EXPECT_TRUE(device->queryProcessGpuUtil(123).ok());
+  EXPECT_EQ(sent, (std::vector<unsigned int>{15, 250001, 123}));
+  EXPECT_EQ(device->queryPowerLimit(PowerLimitType::kMaximum).value(), 5U);
+}
+
+TEST_F(DeviceObjectTest, AResetIsOfTheDeviceAndOneOfItsEventsIsAnother) {
+  platform_.answer<ResetDeviceCmd>(0);
+  platform_.answer<ResetDeviceEventMsgsCmd>(0);
+  const std::shared_ptr<DeviceObj> device = makeReady(DevType::kPhysical);
+  platform_.asked.clear();
+  EXPECT_TRUE(device->resetDevice().ok());
+  EXPECT_TRUE(device->resetDeviceEventMsgs().ok());
+  EXPECT_EQ(platform_.asked, (std::vector<std::string>{"ResetDevice", "ResetDeviceEventMsgs"}));
+}
+
 TEST_F(DeviceObjectTest, ProcessesAreThoseOfTheDriver) {
   platform_.answer<QueryProcMemStateCmd>(
       ProcessMemoryMap{{42, {.gpuMemory = 1024, .systemMemory = 0, .kind = 1, .pid = 42}}});

@@ -7,6 +7,7 @@
 #include "fen2/fen2_device_factory.h"
 #include "kelp_log.h"
 #include "model_manager.h"
+#include "pci_topology.h"
 #include "tor1/tor1_device_factory.h"
 #include "wold/wold_device_factory.h"
 
@@ -96,13 +97,11 @@ Stated<std::string> DeviceManager::getProcessName(std::uint32_t pid) {
 }
 
 Stated<TopologyLevel> DeviceManager::queryTopologyLevel(const std::string& sbdfA, const std::string& sbdfB) {
-  static_cast<void>(sbdfA);
-  static_cast<void>(sbdfB);
-  return KelpReturn::kNotSupported;
+  return getPciDeviceTopology(sbdfA, sbdfB);
 }
 
 Stated<std::vector<std::string>> DeviceManager::queryNicDevices() {
-  return KelpReturn::kNotSupported;
+  return getPciNicDevicesSbdf();
 }
 
 void DeviceManager::closeOtherDevices(const DevCuid& target) {

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "device_object.h"
+#include "feature_makers.h"
 
 namespace kelp {
 
 /// A vGPU, seen from the host that carries it. What only the whole GPU knows is refused.
 class VirtualDevice : public DeviceObj {
  public:
-  VirtualDevice(const DevCuid& cuid, std::shared_ptr<ModelManager> modelManager, FeatureRow features)
+  VirtualDevice(const DevCuid& cuid, std::shared_ptr<ModelManager> modelManager,
+                FeatureRow features = feature::kVirtualDevice)
       : DeviceObj(cuid, std::move(modelManager), features) {}
 
   Stated<std::vector<DevCuid>> getVirtDevCuids() const override { return refusal(); }

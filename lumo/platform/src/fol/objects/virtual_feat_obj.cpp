@@ -49,6 +49,10 @@ Stated<std::vector<MdevVirtType>> VirtualFeatObj::getSupportedTypes() const {
   return supportedTypes_;
 }
 
+Stated<unsigned int> VirtualFeatObj::readAvailableInstances(const std::string& typeId) const {
+  return model().exec(QueryAvailableVirtInstancesCmd{.typeId = typeId});
+}
+
 Stated<MdevVirtType> VirtualFeatObj::getVirtType() const {
   return activeType_;
 }

@@ -22,6 +22,8 @@ class VirtualFeatObj : public FeatObj<VirtualFeatObj> {
   /// The most vGPUs of a type, named by its id; state 7 for a type that is not offered.
   virtual Stated<unsigned int> getMaxInstances(const std::string& typeId) const;
   virtual Stated<std::vector<MdevVirtType>> getSupportedTypes() const;
+  /// How many more vGPUs of a type, named by its id, can be made now.
+  Stated<unsigned int> readAvailableInstances(const std::string& typeId) const;
 
   // Of a vGPU.
   virtual Stated<MdevVirtType> getVirtType() const;
