@@ -955,7 +955,7 @@ LumoReturn lumoVpuGetCodecCapacity(LumoVpu *vpu, unsigned *encode, unsigned *dec
 LumoReturn lumoVpuGetEncoderSessionStates(LumoVpu *vpu, unsigned *states, unsigned count);
 LumoReturn lumoVpuGetDecoderSessionStates(LumoVpu *vpu, unsigned *states, unsigned count);
 
-/** @param sessionId place of the session in the list of states; NOT_FOUND past its end */
+/** @param sessionId place of the session in the list of states; INVALID_ARGUMENT past its end */
 LumoReturn lumoVpuGetEncoderSessionMetrics(LumoVpu *vpu, unsigned sessionId, LumoVpuSessionMetrics *metrics);
 LumoReturn lumoVpuGetDecoderSessionMetrics(LumoVpu *vpu, unsigned sessionId, LumoVpuSessionMetrics *metrics);
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "dev_cuid.h"
+#include "feature_question.h"
 #include "features.h"
 #include "lumo_def.h"
 
@@ -26,19 +27,27 @@ class Component {
 
  protected:
   const std::string& getName() const { return name_; }
+  kelp::DevType getType() const { return type_; }
 
-  /// What every operation starts with: the feature that it asks, kept together with its device until
-  /// the caller lets go, or null and the code. A mediated device has no parts of its own.
-  template <class Feature>
-  std::shared_ptr<Feature> enter(std::shared_ptr<Feature> kelp::Features::*place, LumoReturn* status,
-                                 std::source_location operation = std::source_location::current()) const {
-    if (type_ == kelp::DevType::kMediated) {
-      *status = LUMO_RETURN_NOT_SUPPORTED;
-      return nullptr;
-    }
-    const std::shared_ptr<Owner> owner = owner_.lock();
+  /// The only model whose maximum clocks are known to be true.
+  bool hasMaxClocks() const { return name_ == "OVT B230E"; }
+
+  /// The owner, or null and the code.
+  std::shared_ptr<Owner> lockOwner(LumoReturn* status) const {
+    std::shared_ptr<Owner> owner = owner_.lock();
     if (owner == nullptr) {
       *status = LUMO_RETURN_UNKNOWN_ERROR;
+    }
+    return owner;
+  }
+
+  /// What an operation of every kind of device starts with: the feature that it asks, kept together with
+  /// its device until the caller lets go, or null and the code.
+  template <class Feature>
+  std::shared_ptr<Feature> enterAny(std::shared_ptr<Feature> kelp::Features::*place, LumoReturn* status,
+                                    std::source_location operation = std::source_location::current()) const {
+    const std::shared_ptr<Owner> owner = lockOwner(status);
+    if (owner == nullptr) {
       return nullptr;
     }
     Feature* feature = (owner->getFeatures().*place).get();
@@ -48,6 +57,29 @@ class Component {
       return nullptr;
     }
     return std::shared_ptr<Feature>(owner, feature);
+  }
+
+  /// What every other operation starts with. A mediated device has no parts of its own.
+  template <class Feature>
+  std::shared_ptr<Feature> enter(std::shared_ptr<Feature> kelp::Features::*place, LumoReturn* status,
+                                 std::source_location operation = std::source_location::current()) const {
+    if (type_ == kelp::DevType::kMediated) {
+      *status = LUMO_RETURN_NOT_SUPPORTED;
+      return nullptr;
+    }
+    return enterAny(place, status, operation);
+  }
+
+  /// The whole of most operations: one question to one feature.
+  template <class Feature, class Question>
+  Answer<Question, Feature> ask(std::shared_ptr<Feature> kelp::Features::*place, LumoReturn* status,
+                                const Question& question,
+                                std::source_location operation = std::source_location::current()) const {
+    const std::shared_ptr<Feature> feature = enter(place, status, operation);
+    if (feature == nullptr) {
+      return {};
+    }
+    return askFeature(feature.get(), status, question, operation);
   }
 
  private:

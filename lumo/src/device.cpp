@@ -1,22 +1,17 @@
 #include "device.h"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "device_object.h"
 #include "gpu.h"
 #include "memory.h"
-#include "objects/mpc_feat_obj.h"
-#include "pci_sbdf.h"
-#include "pci_text.h"
+#include "objects/virtual_feat_obj.h"
 #include "vpu.h"
+
+// What a device is.
 
 namespace lumo {
 namespace {
-
-/// The driver's profile id carries the index of the instance above these bits.
-constexpr unsigned int kProfileIdMask = 0xFF;
 
 /// The part of the property word that says what a device is, by its type.
 constexpr std::array<unsigned int, 6> kTypeBits{
@@ -28,27 +23,32 @@ constexpr std::array<unsigned int, 6> kTypeBits{
     2U << LUMO_PROPERTY_ROLE_SHIFT,      // guest
 };
 
-/// Fills a text field of a record, cut to the field, the rest cleared.
-template <std::size_t size>
-void setText(char (&field)[size], const std::string& text) {
-  std::memset(field, 0, size);
-  std::memcpy(field, text.data(), std::min(text.size(), size - 1));
-}
-
-/// A link of no lanes is one whose width is not known.
-kelp::Stated<unsigned int> knownWidth(const kelp::Stated<unsigned int>& width) {
-  return width.ok() && width.value() == 0 ? kelp::KelpReturn::kNotSupported : width;
-}
+/// Compute capability of each family, ten times the major number and the minor number.
+constexpr std::array<unsigned int, 5> kComputeCapability{0, 10, 21, 22, 31};
 
 }  // namespace
 
 Device::Device(std::string key, std::shared_ptr<kelp::DeviceObj> deviceObj,
-               const std::shared_ptr<Device>& mpcParent)
-    : Resource(std::move(key)), deviceObj_(std::move(deviceObj)), mpcParent_(mpcParent) {}
+               std::shared_ptr<kelp::DeviceManager> deviceManager, const std::shared_ptr<Device>& mpcParent)
+    : Resource(std::move(key)),
+      perfMonitor_(
+          std::make_unique<PerformanceMonitor>(static_cast<std::uint32_t>(deviceObj->getCuid().intId))),
+      deviceObj_(std::move(deviceObj)),
+      deviceManager_(std::move(deviceManager)),
+      mpcParent_(mpcParent) {}
+
+Device::~Device() {
+  if (perfMonitor_ != nullptr && perfMonitor_->isStarted()) {
+    LumoReturn status = LUMO_RETURN_SUCCESS;
+    perfMonitor_->stop(&status);
+  }
+}
 
 std::shared_ptr<Device> Device::create(std::string key, std::shared_ptr<kelp::DeviceObj> deviceObj,
+                                       std::shared_ptr<kelp::DeviceManager> deviceManager,
                                        const std::shared_ptr<Device>& mpcParent) {
-  const std::shared_ptr<Device> device(new Device(std::move(key), std::move(deviceObj), mpcParent));
+  const std::shared_ptr<Device> device(
+      new Device(std::move(key), std::move(deviceObj), std::move(deviceManager), mpcParent));
   device->addComponent(std::make_shared<Gpu>(0, device));
   device->addComponent(std::make_shared<Memory>(0, device));
   device->addComponent(std::make_shared<Vpu>(0, device));
@@ -57,6 +57,10 @@ std::shared_ptr<Device> Device::create(std::string key, std::shared_ptr<kelp::De
 
 const kelp::DevCuid& Device::getCuid() const {
   return deviceObj_->getCuid();
+}
+
+const kelp::DevDesc& Device::getDesc() const {
+  return deviceObj_->getDesc();
 }
 
 const kelp::Features& Device::getFeatures() const {
@@ -71,105 +75,56 @@ std::string Device::readName() const {
   return deviceObj_->getDeviceName().take();
 }
 
+bool Device::refuseMediated(LumoReturn* status) const {
+  if (getType() == kelp::DevType::kMediated) {
+    *status = LUMO_RETURN_NOT_SUPPORTED;
+    return true;
+  }
+  return false;
+}
+
 std::string Device::getName(LumoReturn* status) const {
   return consumeMv(deviceObj_->getDeviceName(), status);
 }
 
-std::string Device::getUuid(LumoReturn* status) const {
-  *status = LUMO_RETURN_SUCCESS;
-  return deviceObj_->getDesc().uuid;
+unsigned int Device::getBrand(LumoReturn* status) const {
+  return static_cast<unsigned int>(consumeMv(deviceObj_->getBrand(), status));
 }
 
-LumoPciInfo Device::getPciInfo(LumoReturn* status) const {
-  kelp::PcieInfo pcie = consumeMv(deviceObj_->queryPcieInfo(), status);
-  LumoPciInfo info{};
-  unsigned int subsystemDevice = 0;
-  unsigned int subsystemVendor = 0;
-  const auto read = [status](auto& field, auto value,
-                             std::source_location where = std::source_location::current()) {
-    if (*status == LUMO_RETURN_SUCCESS) {
-      field = consumeMv(std::move(value), status, where);
-    }
-  };
-  read(info.vendorId, pcie.vendorId);
-  read(info.deviceId, pcie.deviceId);
-  read(subsystemVendor, pcie.subsystemVendorId);
-  read(subsystemDevice, pcie.subsystemDeviceId);
-  read(info.maxSpeed, pcie.maxLinkSpeed);
-  read(info.curSpeed, pcie.curLinkSpeed);
-  read(info.maxWidth, knownWidth(pcie.maxLinkWidth));
-  read(info.curWidth, knownWidth(pcie.curLinkWidth));
-  read(info.maxGen, pcie.maxLinkGen);
-  read(info.curGen, pcie.curLinkGen);
-  if (*status != LUMO_RETURN_SUCCESS) {
-    return {};
-  }
-  info.subsystemId = subsystemDevice << 16 | subsystemVendor;
-  setText(info.sbdf, formatOutputPciStr(deviceObj_->getDesc().sbdf));
-  info.domain = kelp::sbdfDomain(getCuid().sbdf);
-  info.bus = kelp::sbdfBus(getCuid().sbdf);
-  info.device = kelp::sbdfDevice(getCuid().sbdf);
-  return info;
+std::string Device::getMiscPath(LumoReturn* status) const {
+  return consumeMv(deviceObj_->getMiscPath(), status);
 }
 
-unsigned int Device::getPerformanceState(LumoReturn* status) const {
-  return consumeMv(deviceObj_->queryPerfState(), status);
+std::string Device::getCardPath(LumoReturn* status) const {
+  return consumeMv(deviceObj_->getCardPath(), status);
 }
 
-std::vector<LumoProcessMemUsage> Device::getProcessLevelMemoryInfo(LumoReturn* status) const {
-  if (getType() == kelp::DevType::kMediated) {
-    *status = LUMO_RETURN_NOT_SUPPORTED;
-    return {};
-  }
-  std::vector<LumoProcessMemUsage> usages;
-  for (const auto& [pid, usage] : consumeMv(deviceObj_->queryProcessMemory(), status)) {
-    usages.push_back({.pid = pid,
-                      .kind = usage.kind,
-                      .gpuMemory = usage.gpuMemory,
-                      .systemMemory = usage.systemMemory,
-                      .reserved = 0});
-  }
-  return usages;
+std::string Device::getRenderPath(LumoReturn* status) const {
+  return consumeMv(deviceObj_->getRenderPath(), status);
 }
 
-unsigned int Device::getMpcInstanceIndex(LumoReturn* status) const {
-  const std::shared_ptr<Device> parent = mpcParent_.lock();
-  if (parent == nullptr) {
-    *status = LUMO_RETURN_NOT_FOUND;
-    return 0;
-  }
-  const auto& feature = parent->getFeatures().mpc;
-  if (feature == nullptr) {
-    logMissingFeature(std::source_location::current());
-    *status = LUMO_RETURN_NOT_SUPPORTED;
-    return 0;
-  }
-  const kelp::MpcInstList instances = consumeMv(feature->queryInstances(), status);
-  if (*status != LUMO_RETURN_SUCCESS) {
-    return 0;
-  }
-  const auto own = std::ranges::find(instances, getCuid().intId, &kelp::MpcInstance::miscId);
-  if (own == instances.end()) {
-    *status = LUMO_RETURN_NOT_FOUND;
-    return 0;
-  }
-  return own->instanceId;
+std::string Device::getIonPath(LumoReturn* status) const {
+  return consumeMv(deviceObj_->getIonPath(), status);
 }
 
-LumoMpcProfile Device::getMpcInstanceProfileInfo(LumoReturn* status) const {
-  const auto& feature = getFeatures().mpc;
-  if (feature == nullptr) {
-    logMissingFeature(std::source_location::current());
-    *status = LUMO_RETURN_NOT_SUPPORTED;
-    return {};
-  }
-  const kelp::MpcProfile profile = consumeMv(feature->queryInstanceProfile(), status);
-  LumoMpcProfile record{};
-  record.id = profile.id & kProfileIdMask;
-  record.coreCount = profile.coreCount;
-  record.memory = profile.memory;
-  setText(record.name, profile.name);
-  return record;
+std::uint64_t Device::getIntId(LumoReturn* /*status*/) const {
+  return getCuid().intId;
+}
+
+std::string Device::getSerialNumber(LumoReturn* status) const {
+  return consumeMv(deviceObj_->getSerialNumber(), status);
+}
+
+unsigned int Device::getCoreCount(LumoReturn* status) const {
+  return consumeMv(kelp::Stated<unsigned int>(getDesc().kmdValue32), status);
+}
+
+unsigned long Device::getUsableCores(LumoReturn* status) const {
+  return consumeMv(deviceObj_->getUsableCores(), status);
+}
+
+kelp::DevType Device::getDeviceType(LumoReturn* /*status*/) const {
+  return getType();
 }
 
 unsigned long long Device::getProperty(LumoReturn* status) const {
@@ -182,6 +137,10 @@ unsigned long long Device::getProperty(LumoReturn* status) const {
     return 0;
   }
   unsigned long long property = kTypeBits.at(static_cast<std::size_t>(getType()));
+  const auto& virtualisation = getFeatures().virt;
+  if (virtualisation != nullptr && !virtualisation->getSupportedTypes().value().empty()) {
+    property |= LUMO_PROPERTY_VIRTUALIZATION_CAPABLE;
+  }
   if (mpcCapable) {
     property |= LUMO_PROPERTY_MPC_CAPABLE;
   }
@@ -191,34 +150,27 @@ unsigned long long Device::getProperty(LumoReturn* status) const {
   return property;
 }
 
-std::shared_ptr<Device> Device::getMpcParent(LumoReturn* status) const {
-  std::shared_ptr<Device> parent = mpcParent_.lock();
-  *status = parent != nullptr ? LUMO_RETURN_SUCCESS : LUMO_RETURN_NOT_FOUND;
-  return parent;
-}
-
-LumoReturn Device::addMpcChild(const std::shared_ptr<Device>& child) {
-  const std::lock_guard lock(mutex_);
-  return mpcChildren_.emplace(child->getKey(), child).second ? LUMO_RETURN_SUCCESS
-                                                             : LUMO_RETURN_UNKNOWN_ERROR;
-}
-
-std::vector<std::shared_ptr<Device>> Device::getMpcChildren(LumoReturn* status) const {
-  std::vector<std::shared_ptr<Device>> children;
-  {
-    const std::lock_guard lock(mutex_);
-    for (const auto& [key, child] : mpcChildren_) {
-      children.push_back(child);
-    }
+std::pair<unsigned int, unsigned int> Device::getComputeCapability(LumoReturn* status) const {
+  const auto arch = static_cast<std::size_t>(getCuid().arch);
+  const unsigned int value = arch < kComputeCapability.size() ? kComputeCapability[arch] : 0;
+  if (refuseMediated(status) || value == 0) {
+    *status = LUMO_RETURN_NOT_SUPPORTED;
+    return {};
   }
-  std::ranges::sort(children, {}, [](const auto& child) { return child->getCuid().intId; });
-  *status = LUMO_RETURN_SUCCESS;
-  return children;
+  return {value / 10, value % 10};
+}
+
+std::string Device::getUuid(LumoReturn* /*status*/) const {
+  return getDesc().uuid;
 }
 
 unsigned int Device::getIndex(LumoReturn* status) const {
-  *status = getType() == kelp::DevType::kMediated ? LUMO_RETURN_NOT_SUPPORTED : LUMO_RETURN_SUCCESS;
+  refuseMediated(status);
   return index_;
+}
+
+unsigned long long Device::getSupportedEventTypes(LumoReturn* /*status*/) const {
+  return getFeatures().event != nullptr ? LUMO_EVENT_XID : 0;
 }
 
 }  // namespace lumo

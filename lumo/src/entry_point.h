@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "handles.h"
@@ -38,6 +39,50 @@ LumoReturn callObject(const Cell* handle, Operation&& operation, Write&& write) 
   return status == LUMO_RETURN_SUCCESS ? write(std::move(result)) : status;
 }
 
+/// An operation with arguments of the caller's, in front of the code.
+template <class Operation, class... Arguments>
+auto with(Operation operation, Arguments... arguments) {
+  return
+      [=](auto& object, LumoReturn* status) { return std::invoke(operation, object, arguments..., status); };
+}
+
+/// An operation with a further object behind the first one.
+template <class Cell, class Operation>
+auto withPeer(const Cell* peer, Operation operation) {
+  return [=](auto& object, LumoReturn* status) {
+    const auto other = lockObject(peer->object);
+    using Result = std::invoke_result_t<const Operation&, decltype(object), decltype(*other), LumoReturn*>;
+    if (other == nullptr) {
+      *status = LUMO_RETURN_UNKNOWN_ERROR;
+      return Result{};
+    }
+    return std::invoke(operation, object, *other, status);
+  };
+}
+
+/// An operation whose result goes out as a plain number.
+template <class Number, class Operation>
+auto asNumber(Operation operation) {
+  return [=](auto& object, LumoReturn* status) {
+    return static_cast<Number>(std::invoke(operation, object, status));
+  };
+}
+
+/// An operation without a result.
+template <class Cell, class Operation>
+LumoReturn runOperation(const Cell* handle, Operation&& operation) {
+  if (handle == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  const auto object = lockObject(handle->object);
+  if (object == nullptr) {
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  LumoReturn status = LUMO_RETURN_SUCCESS;
+  std::invoke(operation, *object, &status);
+  return status;
+}
+
 /// One value.
 template <class Cell, class Value, class Operation>
 LumoReturn getValue(const Cell* handle, Value* value, Operation&& operation) {
@@ -46,6 +91,19 @@ LumoReturn getValue(const Cell* handle, Value* value, Operation&& operation) {
   }
   return callObject(handle, operation, [value](auto&& result) {
     *value = result;
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
+/// Two values, as a pair of what each output takes.
+template <class Cell, class First, class Second, class Operation>
+LumoReturn getPair(const Cell* handle, First* first, Second* second, Operation&& operation) {
+  if (handle == nullptr || first == nullptr || second == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return callObject(handle, operation, [=](const std::pair<First, Second>& result) {
+    *first = result.first;
+    *second = result.second;
     return LUMO_RETURN_SUCCESS;
   });
 }
@@ -100,6 +158,33 @@ LumoReturn getList(const Cell* handle, Record* records, unsigned capacity, Opera
   });
 }
 
+/// Texts behind one another, each in `width` bytes. `whenTooMany` is the code of more texts than `count`.
+template <class Cell, class Operation>
+LumoReturn getTexts(const Cell* handle, char* buffer, unsigned width, unsigned count, LumoReturn whenTooMany,
+                    Operation&& operation) {
+  if (handle == nullptr || buffer == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  if (width == 0 || count == 0) {
+    return LUMO_RETURN_INSUFFICIENT_SIZE;
+  }
+  return callObject(handle, operation, [=](const std::vector<std::string>& texts) {
+    for (const std::string& text : texts) {
+      if (text.size() >= width) {
+        return LUMO_RETURN_INSUFFICIENT_SIZE;
+      }
+    }
+    if (texts.size() > count) {
+      return whenTooMany;
+    }
+    std::memset(buffer, 0, std::size_t{width} * count);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      std::memcpy(buffer + i * width, texts[i].data(), texts[i].size());
+    }
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
 /// A handle of another object: `operation` finds the object, null when there is none, which gives
 /// `whenNull`.
 template <class Object, class Cell>
@@ -114,6 +199,21 @@ LumoReturn giveHandle(const std::shared_ptr<Object>& object, Cell** handle, Lumo
     return LUMO_RETURN_INSUFFICIENT_MEMORY;
   }
   return LUMO_RETURN_SUCCESS;
+}
+
+/// Handles of a list of objects, all or none.
+template <class Cell, class Object>
+std::vector<Cell*> giveHandles(const std::vector<std::shared_ptr<Object>>& objects, LumoReturn* status) {
+  try {
+    std::vector<Cell*> handles(objects.size());
+    for (std::size_t i = 0; i < objects.size() && *status == LUMO_RETURN_SUCCESS; ++i) {
+      *status = giveHandle(objects[i], &handles[i], LUMO_RETURN_NOT_FOUND);
+    }
+    return handles;
+  } catch (const std::bad_alloc&) {
+    *status = LUMO_RETURN_INSUFFICIENT_MEMORY;
+    return {};
+  }
 }
 
 template <class Cell, class OtherCell, class Operation>

@@ -47,6 +47,7 @@ bool Library::initialize(LumoReturn* status) {
   }
   devices_.clear();
   keyOfSbdf_.clear();
+  keyOfIntId_.clear();
   order_.clear();
   const kelp::Stated<std::vector<kelp::DevCuid>> cuids = deviceManager_->listDevice();
   if (!cuids.ok()) {
@@ -97,7 +98,8 @@ std::shared_ptr<Device> Library::createDevice(const kelp::DevCuid& cuid, LumoRet
   const kelp::DevDesc& desc = deviceObj.value()->getDesc();
   const std::string key = makeKey(desc.uuid, desc.sbdf, cuid.intId);
   keyOfSbdf_.emplace(kelp::pciSbdfToUint64(desc.sbdf), key);
-  std::shared_ptr<Device> device = Device::create(key, deviceObj.take(), mpcParent);
+  keyOfIntId_.emplace(cuid.intId, key);
+  std::shared_ptr<Device> device = Device::create(key, deviceObj.take(), deviceManager_, mpcParent);
   devices_.emplace(key, device);
   order_.push_back(key);
   *status = LUMO_RETURN_SUCCESS;
@@ -126,9 +128,11 @@ void Library::shutDown() {
   const std::lock_guard lock(mutex_);
   devices_.clear();
   keyOfSbdf_.clear();
+  keyOfIntId_.clear();
   order_.clear();
   system_.reset();
   deviceManager_.reset();
+  samples_.clear();
 }
 
 std::string Library::getVersion() {
@@ -160,6 +164,37 @@ std::shared_ptr<Device> Library::getDeviceBySbdf(std::uint64_t sbdf) const {
   const std::lock_guard lock(mutex_);
   const auto found = keyOfSbdf_.find(sbdf);
   return found == keyOfSbdf_.end() ? nullptr : devices_.at(found->second);
+}
+
+std::shared_ptr<Device> Library::getDeviceByIntId(std::uint64_t intId) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = keyOfIntId_.find(intId);
+  return found == keyOfIntId_.end() ? nullptr : devices_.at(found->second);
+}
+
+std::vector<std::shared_ptr<Device>> Library::getDevices() const {
+  const std::lock_guard lock(mutex_);
+  std::vector<std::shared_ptr<Device>> devices;
+  for (const std::string& key : order_) {
+    devices.push_back(devices_.at(key));
+  }
+  return devices;
+}
+
+LumoPfmSample* Library::allocSample() {
+  auto sample = std::make_unique<LumoPfmSample>();
+  const std::lock_guard lock(mutex_);
+  return samples_.emplace(sample.get(), std::move(sample)).first->second.get();
+}
+
+bool Library::freeSample(const LumoPfmSample* sample) {
+  const std::lock_guard lock(mutex_);
+  return samples_.erase(sample) != 0;
+}
+
+bool Library::knowsSample(const LumoPfmSample* sample) const {
+  const std::lock_guard lock(mutex_);
+  return samples_.contains(sample);
 }
 
 }  // namespace lumo

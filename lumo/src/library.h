@@ -44,6 +44,21 @@ class Library {
   std::shared_ptr<Device> getDeviceByUuid(const std::string& uuid) const;
   /// `sbdf` is packed.
   std::shared_ptr<Device> getDeviceBySbdf(std::uint64_t sbdf) const;
+  /// By the driver's own number, which is also how it names one device to another.
+  std::shared_ptr<Device> getDeviceByIntId(std::uint64_t intId) const;
+  /// All devices, in their order.
+  std::vector<std::shared_ptr<Device>> getDevices() const;
+
+  bool isInitialized() const { return initialized_; }
+  /// Forgets all devices; what the caller still holds of them is dead then. `initialize` finds them anew.
+  void shutDown();
+
+  // Samples are made and freed here alone, so that a plain address can be told from one.
+  /// Throws std::bad_alloc.
+  LumoPfmSample* allocSample();
+  /// Whether there was such a sample.
+  bool freeSample(const LumoPfmSample* sample);
+  bool knowsSample(const LumoPfmSample* sample) const;
 
  private:
   std::shared_ptr<Device> createDevice(const kelp::DevCuid& cuid, LumoReturn* status,
@@ -51,15 +66,16 @@ class Library {
   bool createMpcInstances(const std::shared_ptr<Device>& parent, LumoReturn* status);
   std::string makeKey(const std::string& uuid, const std::string& sbdf, std::uint64_t intId) const;
   void sortDevices();
-  void shutDown();
 
   mutable std::mutex mutex_;
   std::atomic<bool> initialized_ = false;
   std::shared_ptr<kelp::DeviceManager> deviceManager_;
   std::unordered_map<std::string, std::shared_ptr<Device>> devices_;  ///< by key, mostly the uuid
   std::unordered_map<std::uint64_t, std::string> keyOfSbdf_;
+  std::unordered_map<std::uint64_t, std::string> keyOfIntId_;
   std::vector<std::string> order_;  ///< keys; the position is the device index
   std::shared_ptr<System> system_;
+  std::unordered_map<const LumoPfmSample*, std::unique_ptr<LumoPfmSample>> samples_;
 };
 
 }  // namespace lumo

@@ -15,37 +15,6 @@ std::shared_ptr<Component> firstComponent(const Device& device, LumoReturn* /*st
   return components.empty() ? nullptr : components.front();
 }
 
-/// The part that a device plays in MPC, as the property word says it.
-enum class MpcRole : unsigned { kParent = 1, kInstance = 2 };
-
-/// An operation for devices of one part in MPC; others do not support it.
-template <MpcRole role, class Operation>
-auto mpcOnly(Operation operation) {
-  return [operation](const Device& device, LumoReturn* status) {
-    const unsigned long long property = device.getProperty(status);
-    const auto own =
-        static_cast<unsigned>(property & LUMO_PROPERTY_MPC_TYPE_MASK) >> LUMO_PROPERTY_MPC_TYPE_SHIFT;
-    if (*status == LUMO_RETURN_SUCCESS && own != static_cast<unsigned>(role)) {
-      *status = LUMO_RETURN_NOT_SUPPORTED;
-    }
-    using Result = std::invoke_result_t<Operation, const Device&, LumoReturn*>;
-    return *status == LUMO_RETURN_SUCCESS ? std::invoke(operation, device, status) : Result{};
-  };
-}
-
-std::vector<LumoDevice*> giveMpcChildren(const Device& device, LumoReturn* status) {
-  std::vector<LumoDevice*> handles;
-  for (const std::shared_ptr<Device>& child : device.getMpcChildren(status)) {
-    LumoDevice* handle = nullptr;
-    *status = lumo::giveHandle(child, &handle, LUMO_RETURN_UNKNOWN_ERROR);
-    if (*status != LUMO_RETURN_SUCCESS) {
-      break;
-    }
-    handles.push_back(handle);
-  }
-  return handles;
-}
-
 }  // namespace
 
 LumoReturn lumoDeviceInitGpu(LumoDevice* device, LumoGpu** gpu) {
@@ -64,12 +33,16 @@ LumoReturn lumoLibraryFreeDevice(LumoDevice* device) {
   return lumo::ignoreRelease(device, "lumoLibraryFreeDevice");
 }
 
-LumoReturn lumoDeviceFreeVpu(LumoVpu* vpu) {
-  return lumo::ignoreRelease(vpu, "lumoDeviceFreeVpu");
-}
-
 LumoReturn lumoDeviceGetIndex(LumoDevice* device, unsigned* index) {
   return lumo::getValue(device, index, &Device::getIndex);
+}
+
+LumoReturn lumoDeviceGetType(LumoDevice* device, unsigned* type) {
+  return lumo::getValue(device, type, lumo::asNumber<unsigned>(&Device::getDeviceType));
+}
+
+LumoReturn lumoDeviceGetIntId(LumoDevice* device, unsigned long long* intId) {
+  return lumo::getValue(device, intId, &Device::getIntId);
 }
 
 LumoReturn lumoDeviceGetUUID(LumoDevice* device, char* uuid, unsigned length) {
@@ -80,16 +53,60 @@ LumoReturn lumoDeviceGetName(LumoDevice* device, char* name, unsigned length) {
   return lumo::getText(device, name, length, &Device::getName, LUMO_RETURN_UNKNOWN_ERROR);
 }
 
+LumoReturn lumoDeviceGetBrand(LumoDevice* device, unsigned* brand) {
+  return lumo::getValue(device, brand, &Device::getBrand);
+}
+
+LumoReturn lumoDeviceGetSerialNumber(LumoDevice* device, char* serial, unsigned length) {
+  return lumo::getText(device, serial, length, &Device::getSerialNumber);
+}
+
+LumoReturn lumoDeviceGetOvBiosVersion(LumoDevice* device, char* version, unsigned length) {
+  return lumo::getText(device, version, length, &Device::getOvBiosVersion);
+}
+
+LumoReturn lumoDeviceGetRtosVersion(LumoDevice* device, char* version, unsigned length) {
+  return lumo::getText(device, version, length, &Device::getRtosVersion);
+}
+
 LumoReturn lumoDeviceGetProperty(LumoDevice* device, unsigned long long* property) {
   return lumo::getValue(device, property, &Device::getProperty);
 }
 
-LumoReturn lumoDeviceGetPciInfo(LumoDevice* device, LumoPciInfo* info) {
-  return lumo::getValue(device, info, &Device::getPciInfo);
+LumoReturn lumoDeviceGetComputeCapability(LumoDevice* device, unsigned* major, unsigned* minor) {
+  return lumo::getPair(device, major, minor, &Device::getComputeCapability);
 }
 
-LumoReturn lumoDeviceGetPerformanceState(LumoDevice* device, unsigned* state) {
-  return lumo::getValue(device, state, &Device::getPerformanceState);
+LumoReturn lumoDeviceGetCoreCount(LumoDevice* device, unsigned* count) {
+  return lumo::getValue(device, count, &Device::getCoreCount);
+}
+
+LumoReturn lumoDeviceGetUsableCores(LumoDevice* device, unsigned long long* mask) {
+  return lumo::getValue(device, mask, &Device::getUsableCores);
+}
+
+LumoReturn lumoDeviceCountCoreUnits(LumoDevice* device, unsigned* count) {
+  return lumo::getCount(device, count, &Device::getCoreUnits);
+}
+
+LumoReturn lumoDeviceGetCoreUnits(LumoDevice* device, unsigned* units, unsigned capacity) {
+  return lumo::getList(device, units, capacity, &Device::getCoreUnits);
+}
+
+LumoReturn lumoDeviceGetMiscPath(LumoDevice* device, char* path, unsigned length) {
+  return lumo::getText(device, path, length, &Device::getMiscPath);
+}
+
+LumoReturn lumoDeviceGetCardPath(LumoDevice* device, char* path, unsigned length) {
+  return lumo::getText(device, path, length, &Device::getCardPath);
+}
+
+LumoReturn lumoDeviceGetRenderPath(LumoDevice* device, char* path, unsigned length) {
+  return lumo::getText(device, path, length, &Device::getRenderPath);
+}
+
+LumoReturn lumoDeviceGetIonPath(LumoDevice* device, char* path, unsigned length) {
+  return lumo::getText(device, path, length, &Device::getIonPath);
 }
 
 LumoReturn lumoDeviceCountProcessMemoryUsages(LumoDevice* device, unsigned* count) {
@@ -101,23 +118,11 @@ LumoReturn lumoDeviceGetProcessMemoryUsages(LumoDevice* device, LumoProcessMemUs
   return lumo::getList(device, usages, capacity, &Device::getProcessLevelMemoryInfo);
 }
 
-LumoReturn lumoDeviceCountMpcInstances(LumoDevice* device, unsigned* count) {
-  return lumo::getCount(device, count, mpcOnly<MpcRole::kParent>(&Device::getMpcChildren));
+LumoReturn lumoDeviceCountProcessGpuUtilizations(LumoDevice* device, unsigned* count) {
+  return lumo::getCount(device, count, &Device::getProcessGpuUtilizations);
 }
 
-LumoReturn lumoDeviceGetMpcInstances(LumoDevice* device, LumoDevice** instances, unsigned capacity) {
-  return lumo::getList(device, instances, capacity, mpcOnly<MpcRole::kParent>(giveMpcChildren));
-}
-
-LumoReturn lumoDeviceGetMpcParentDevice(LumoDevice* device, LumoDevice** parent) {
-  return lumo::getHandle(device, parent, LUMO_RETURN_NOT_FOUND,
-                         mpcOnly<MpcRole::kInstance>(&Device::getMpcParent));
-}
-
-LumoReturn lumoDeviceGetMpcInstanceIndex(LumoDevice* device, unsigned* index) {
-  return lumo::getValue(device, index, mpcOnly<MpcRole::kInstance>(&Device::getMpcInstanceIndex));
-}
-
-LumoReturn lumoDeviceGetMpcProfileInfo(LumoDevice* device, LumoMpcProfile* profile) {
-  return lumo::getValue(device, profile, mpcOnly<MpcRole::kInstance>(&Device::getMpcInstanceProfileInfo));
+LumoReturn lumoDeviceGetProcessGpuUtilizations(LumoDevice* device, LumoProcessGpuUtilization* utilizations,
+                                               unsigned capacity) {
+  return lumo::getList(device, utilizations, capacity, &Device::getProcessGpuUtilizations);
 }

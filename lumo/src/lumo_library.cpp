@@ -5,23 +5,24 @@
 #include "memory.h"
 #include "pci_sbdf.h"
 #include "pci_text.h"
+#include "process.h"
 #include "system.h"
 #include "vpu.h"
 
 using lumo::Library;
+using lumo::process;
 
-namespace {
-
-/// The library of this process. The mutex is held while a handle of it is made or given back.
-struct Process {
-  std::mutex mutex;
-  std::weak_ptr<Library> library;
-};
-
-Process& process() {
+lumo::Process& lumo::process() {
   static Process instance;
   return instance;
 }
+
+std::shared_ptr<Library> lumo::currentLibrary() {
+  const std::lock_guard lock(process().mutex);
+  return process().library.lock();
+}
+
+namespace {
 
 template <class Object, class Cell>
 void freeHandles() {

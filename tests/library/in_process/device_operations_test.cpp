@@ -41,7 +41,7 @@ TEST_F(DeviceOperationsTest, ThePropertyWordSaysWhatADeviceIs) {
           std::make_shared<kelp::PhysicalDevice>(tolk_test::makeCuid(type, DevArch::kFen2),
                                                  std::make_shared<kelp::ModelManager>(), kelp::FeatureRow{});
       ASSERT_TRUE(object->init().ok());
-      const auto device = lumo::Device::create("uuid", object, nullptr);
+      const auto device = lumo::Device::create("uuid", object, nullptr, nullptr);
       LumoDevice cell{device};
       unsigned long long property = 0;
       EXPECT_EQ(lumoDeviceGetProperty(&cell, &property), LUMO_RETURN_SUCCESS);

@@ -80,7 +80,8 @@ TEST_F(EntryPointTest, APartWhoseDeviceIsGoneAnswers999) {
 
 TEST_F(EntryPointTest, ADeviceWithoutPartsAnswers999) {
   struct Bare : lumo::Device {
-    explicit Bare(std::shared_ptr<kelp::DeviceObj> object) : Device("bare", std::move(object), nullptr) {}
+    explicit Bare(std::shared_ptr<kelp::DeviceObj> object)
+        : Device("bare", std::move(object), nullptr, nullptr) {}
   };
   const auto object =
       std::make_shared<kelp::PhysicalDevice>(tolk_test::makeCuid(DevType::kPhysical, DevArch::kTor1),
@@ -94,7 +95,8 @@ TEST_F(EntryPointTest, ADeviceWithoutPartsAnswers999) {
 
 TEST_F(EntryPointTest, AMediatedDeviceHasNoNumbersOfItsOwn) {
   struct Mediated : lumo::Device {
-    explicit Mediated(std::shared_ptr<kelp::DeviceObj> object) : Device("vgpu", std::move(object), nullptr) {}
+    explicit Mediated(std::shared_ptr<kelp::DeviceObj> object)
+        : Device("vgpu", std::move(object), nullptr, nullptr) {}
   };
   const auto object =
       std::make_shared<kelp::PhysicalDevice>(tolk_test::makeCuid(DevType::kMediated, DevArch::kFen2),

@@ -16,7 +16,7 @@ class LoneInstanceTest : public tolk_test::LumoFixture {
         tolk_test::makeCuid(kelp::DevType::kMpcInstance, kelp::DevArch::kFen2),
         std::make_shared<kelp::ModelManager>(), kelp::FeatureRow{});
     EXPECT_TRUE(object->init().ok());
-    cell_.object = device_ = lumo::Device::create("uuid", object, nullptr);
+    cell_.object = device_ = lumo::Device::create("uuid", object, nullptr, nullptr);
   }
 
   std::shared_ptr<lumo::Device> device_;

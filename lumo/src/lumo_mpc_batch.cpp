@@ -1,0 +1,107 @@
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "capability.h"
+#include "handles.h"
+#include "library.h"
+
+// Division of several GPUs in one call. Every step that makes the driver's devices anew ends all handles
+// and the enumeration, so that the next step begins with a fresh one; GPUs are known by their uuids
+// meanwhile.
+
+namespace {
+
+/// The lowest property word of a GPU that needs no switch of its mode. sic: the whole word is compared, so
+/// that a GPU with Sablink ports is never switched.
+constexpr unsigned long long kNoSwitchNeeded = 1ULL << LUMO_PROPERTY_MPC_TYPE_SHIFT;
+
+struct Division {
+  unsigned configurationId;
+  unsigned long long property;
+};
+using Divisions = std::map<std::string, Division>;
+
+LumoReturn readDivision(LumoDevice* device, unsigned configurationId, Divisions* divisions) {
+  unsigned long long property = 0;
+  LumoReturn status = lumoDeviceGetProperty(device, &property);
+  if (status != LUMO_RETURN_SUCCESS) {
+    return status;
+  }
+  const bool undivided =
+      (property & LUMO_PROPERTY_MPC_CAPABLE) != 0 && lumo::mpcRoleOf(property) == lumo::MpcRole::kNone;
+  if (!undivided && !lumo::isMpcParent(property)) {
+    return LUMO_RETURN_NOT_SUPPORTED;
+  }
+  char uuid[LUMO_UUID_SIZE];
+  status = lumoDeviceGetUUID(device, uuid, sizeof uuid);
+  if (status == LUMO_RETURN_SUCCESS) {
+    divisions->insert_or_assign(uuid, Division{.configurationId = configurationId, .property = property});
+  }
+  return status;
+}
+
+/// Runs an operation on the handle of a GPU, after an enumeration where there is none.
+LumoReturn runOn(LumoLibrary* library, const std::string& uuid,
+                 const std::function<LumoReturn(LumoDevice*)>& operation) {
+  LumoReturn status = LUMO_RETURN_SUCCESS;
+  if (!library->object->initialize(&status)) {
+    return status;
+  }
+  LumoDevice* device = nullptr;
+  status = lumoLibraryInitDeviceByUuid(library, uuid.c_str(), &device);
+  return status == LUMO_RETURN_SUCCESS ? operation(device) : status;
+}
+
+void forgetDevices(LumoLibrary* library) {
+  lumo::freeAllHandles();
+  library->object->shutDown();
+}
+
+LumoReturn divide(LumoLibrary* library, const std::string& uuid, const Division& division) {
+  if (division.property < kNoSwitchNeeded) {
+    const LumoReturn status =
+        runOn(library, uuid, [](LumoDevice* device) { return lumoDeviceSetMpcMode(device, 1); });
+    if (status != LUMO_RETURN_SUCCESS) {
+      return status;
+    }
+    forgetDevices(library);
+  }
+  const LumoReturn status = runOn(library, uuid, [&division](LumoDevice* device) {
+    return lumoDeviceSetMpcConfiguration(device, division.configurationId);
+  });
+  if (status == LUMO_RETURN_SUCCESS) {
+    forgetDevices(library);
+  }
+  return status;
+}
+
+}  // namespace
+
+LumoReturn lumoLibrarySetMpcConfigurationInBatch(LumoLibrary* library, unsigned count, LumoDevice** devices,
+                                                 unsigned* configIds) {
+  if (library == nullptr || devices == nullptr || configIds == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  Divisions divisions;
+  for (unsigned i = 0; i < count; ++i) {
+    const LumoReturn status = readDivision(devices[i], configIds[i], &divisions);
+    if (status != LUMO_RETURN_SUCCESS) {
+      return status;
+    }
+  }
+  std::vector<std::string> touched;
+  for (const auto& [uuid, division] : divisions) {
+    touched.push_back(uuid);
+    const LumoReturn status = divide(library, uuid, division);
+    if (status == LUMO_RETURN_SUCCESS) {
+      continue;
+    }
+    for (const std::string& former : touched) {
+      runOn(library, former, [](LumoDevice* device) { return lumoDeviceSetMpcMode(device, 0); });
+    }
+    return status;
+  }
+  return LUMO_RETURN_SUCCESS;
+}
