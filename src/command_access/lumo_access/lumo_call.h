@@ -12,6 +12,9 @@
 
 namespace tolk {
 
+/// Room for a text of the library that has no length of its own.
+inline constexpr std::size_t kTextSize = 256;
+
 /// An entry point of the library with its name, and the place that calls it: a failure is logged in
 /// the name of that place.
 template <class Function>
@@ -49,6 +52,19 @@ LumoReturn queryLumo(const LumoEntry<Function>& entry, Value& out, Arguments... 
   return ret;
 }
 
+/// Reads two values.
+template <class Value, class Function, class... Arguments>
+LumoReturn queryLumoPair(const LumoEntry<Function>& entry, Value& first, Value& second,
+                         Arguments... arguments) {
+  Value one{};
+  Value other{};
+  const LumoReturn ret = callLumo(entry, arguments..., &one, &other);
+  if (ret != LUMO_RETURN_SUCCESS) return ret;
+  first = one;
+  second = other;
+  return ret;
+}
+
 /// Reads a text of less than `size` bytes.
 template <std::size_t size, class Function, class... Arguments>
 LumoReturn queryLumoText(const LumoEntry<Function>& entry, std::string& out, Arguments... arguments) {
@@ -60,14 +76,31 @@ LumoReturn queryLumoText(const LumoEntry<Function>& entry, std::string& out, Arg
 
 /// Reads a list: counts, then fills. A list that shrank in between ends in zeroed entries. No list call
 /// is made for a count of 0, which the library would refuse.
-template <class Entry, class Count, class List, class Handle>
+template <class Entry, class Count, class List, class... Handles>
 LumoReturn queryLumoList(const LumoEntry<Count>& count, const LumoEntry<List>& list, std::vector<Entry>& out,
-                         Handle* handle) {
+                         Handles... handles) {
+  unsigned size = 0;
+  if (const LumoReturn ret = queryLumo(count, size, handles...); ret != LUMO_RETURN_SUCCESS) return ret;
+  std::vector<Entry> entries(size);
+  const LumoReturn ret = size == 0 ? LUMO_RETURN_SUCCESS : callLumo(list, handles..., entries.data(), size);
+  if (ret == LUMO_RETURN_SUCCESS) out = std::move(entries);
+  return ret;
+}
+
+/// Reads a list of texts of less than `width` bytes each, empty ones left out.
+template <std::size_t width, class Count, class List, class Handle>
+LumoReturn queryLumoTexts(const LumoEntry<Count>& count, const LumoEntry<List>& list,
+                          std::vector<std::string>& out, Handle* handle) {
   unsigned size = 0;
   if (const LumoReturn ret = queryLumo(count, size, handle); ret != LUMO_RETURN_SUCCESS) return ret;
-  std::vector<Entry> entries(size);
-  const LumoReturn ret = size == 0 ? LUMO_RETURN_SUCCESS : callLumo(list, handle, entries.data(), size);
-  if (ret == LUMO_RETURN_SUCCESS) out = std::move(entries);
+  std::vector<char> texts(size * width);
+  const LumoReturn ret = size == 0 ? LUMO_RETURN_SUCCESS
+                                   : callLumo(list, handle, texts.data(), static_cast<unsigned>(width), size);
+  if (ret != LUMO_RETURN_SUCCESS) return ret;
+  out.clear();
+  for (std::size_t at = 0; at < texts.size(); at += width) {
+    if (texts[at] != '\0') out.emplace_back(&texts[at], ::strnlen(&texts[at], width));
+  }
   return ret;
 }
 

@@ -42,7 +42,7 @@ class CommandStartTest : public testing::Test {
 
 TEST_F(CommandStartTest, SuccessIsNull) {
   EXPECT_EQ(command_.work(), nullptr);
-  fakeLumo().deviceCount = 3;
+  fakeLumo().set("lumoLibraryCountDevice", 3u);
   EXPECT_EQ(command_.countDevices({}, count_), nullptr);
   EXPECT_EQ(count_, 3u);
   EXPECT_EQ(command_.listDevices({}, indices_), nullptr);
@@ -60,7 +60,7 @@ TEST_F(CommandStartTest, LibraryThatCannotCountIsToldInTheCommandsWords) {
 
 TEST_F(CommandStartTest, NoDeviceIsToldInTheCommandsWords) {
   command_.work();
-  fakeLumo().deviceCount = 0;
+  fakeLumo().set("lumoLibraryCountDevice", 0u);
   expectError(command_.countDevices({}, count_), "Error: No OV GPU device found.", ExitCode::kNoDevice);
   expectError(command_.listDevices({.noDevice = {"none", ExitCode::kEnumerationFailed}}, indices_), "none",
               ExitCode::kEnumerationFailed);

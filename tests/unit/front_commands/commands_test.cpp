@@ -79,7 +79,7 @@ TEST_F(CommandsTest, SummaryOfOneDeviceCountsNone) {
 }
 
 TEST_F(CommandsTest, SummaryTakesEachAdaptorThreeTimes) {
-  fakeLumo().deviceCount = 4;
+  fakeLumo().set("lumoLibraryCountDevice", 4u);
   TolkCommandAccess command(ParsedOptions{});
   EXPECT_FALSE(std::dynamic_pointer_cast<CommandError>(command.work()));
   EXPECT_EQ(fakeLumo().timesCalled("lumoLibraryInitDeviceByIndex"), 4 * 3);

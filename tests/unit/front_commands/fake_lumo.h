@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <any>
+#include <cstddef>
 #include <deque>
 #include <map>
 #include <string>
@@ -10,36 +12,59 @@
 
 namespace tolk_test {
 
-/// What the entry points of the library answer in these tests, which link no other library. Set by a
-/// test before it calls, and read by the threads of its calls one after the other.
-struct FakeLumo {
-  /// The next statuses of an entry point by its name, success when used up. A call that fails writes
-  /// its output all the same, so that a test sees whether the caller keeps its hands off it.
-  std::map<std::string, std::deque<LumoReturn>> failures;
-  std::vector<std::string> calls;
+/// Handles are only compared and handed on. In the text of a call they read "device 0", "gpu 0" and so
+/// on, and "null".
+template <class Handle>
+inline char handleCells[64];
 
-  unsigned deviceCount = 1;
-  unsigned index = 3;
-  std::string name = "OVT B240";
-  std::string uuid = "00000000-0000-0000-0000-000000000001";
-  unsigned long long property = 0;
-  LumoMpcProfile profile{};
-  LumoPciInfo pci{};
-  std::string version = "3.1.0";
-  unsigned value = 7;
-  std::vector<LumoProcessMemUsage> processes;
-  unsigned processesAtCount = 0;  ///< how many are counted, where a test wants another number than listed
-  unsigned instanceCount = 0;
+template <class Handle>
+Handle* handleOf(unsigned number = 0) {
+  return reinterpret_cast<Handle*>(&handleCells<Handle>[number]);
+}
+
+inline LumoDevice* device(unsigned number) {
+  return handleOf<LumoDevice>(number);
+}
+
+/// What the entry points of the library answer in these tests, which link no other library. Set by a
+/// test before it calls.
+///
+/// A call has a text, which is the function's name and what goes into it, without the places for its
+/// outputs: "lumoDeviceGetFanSpeed(device 0, 2)". Answers and failures are looked up by that text first,
+/// then by the name alone.
+struct FakeLumo {
+  FakeLumo();
+
+  std::vector<std::string> calls;  ///< names
+  std::vector<std::string> lines;  ///< texts
+
   LumoLogConfiguration log{};
 
-  /// Notes the call; its status.
-  LumoReturn answer(const char* entryPoint);
-  void fail(const std::string& entryPoint, std::deque<LumoReturn> statuses) {
-    failures[entryPoint] = std::move(statuses);
+  /// One answer for each output of the function, in the order of its arguments. An answer has the type
+  /// that the output points to, or is a vector of them for a list and a std::string for a text. A
+  /// function without answers gives the handle number 0, an empty text or a cleared record.
+  template <class... Answers>
+  void set(const std::string& call, Answers... outputs) {
+    answers[call] = {std::any(std::move(outputs))...};
   }
-  std::ptrdiff_t timesCalled(const std::string& entryPoint) const {
-    return std::ranges::count(calls, entryPoint);
+
+  /// A list with the function that counts it.
+  template <class Entry>
+  void setList(const std::string& countCall, const std::string& listCall, std::vector<Entry> entries) {
+    set(countCall, static_cast<unsigned>(entries.size()));
+    set(listCall, std::move(entries));
   }
+
+  /// The next statuses of a function, success when used up. A call that fails writes its outputs all the
+  /// same, so that a test sees whether the caller keeps its hands off them.
+  void fail(const std::string& call, std::deque<LumoReturn> statuses) {
+    failures[call] = std::move(statuses);
+  }
+
+  std::ptrdiff_t timesCalled(const std::string& name) const { return std::ranges::count(calls, name); }
+
+  std::map<std::string, std::vector<std::any>> answers;
+  std::map<std::string, std::deque<LumoReturn>> failures;
 };
 
 /// The one that answers; a test starts with `fakeLumo() = {}`.

@@ -75,12 +75,14 @@ TEST_F(LumoAccessFactoryTest, MissingSystemIs999AndTheLibraryIsStillReleased) {
 TEST_F(LumoAccessFactoryTest, DeviceTakesItsPartsInOrder) {
   LumoAccessFactory factory;
   factory.initializeLumo();
-  fakeLumo().calls.clear();
+  fakeLumo().lines.clear();
   log_.lines.clear();
+  fakeLumo().set("lumoLibraryInitDeviceByIndex", tolk_test::device(5));
   const auto device = factory.getAccessDeviceById(5);
   ASSERT_TRUE(device);
-  EXPECT_THAT(fakeLumo().calls, ElementsAre("lumoLibraryInitDeviceByIndex", "lumoDeviceInitGpu",
-                                            "lumoDeviceInitVpu", "lumoDeviceInitMemory"));
+  EXPECT_THAT(fakeLumo().lines,
+              ElementsAre("lumoLibraryInitDeviceByIndex(library 0, 5)", "lumoDeviceInitGpu(device 5)",
+                          "lumoDeviceInitVpu(device 5)", "lumoDeviceInitMemory(device 5)"));
   EXPECT_THAT(log_.lines, ElementsAre("T getAccessDeviceById >> devId =  5 "));
   const auto& modules = device->getLumoModuleSet();
   EXPECT_TRUE(modules.device && modules.gpu && modules.vpu && modules.memory);
@@ -89,16 +91,17 @@ TEST_F(LumoAccessFactoryTest, DeviceTakesItsPartsInOrder) {
 TEST_F(LumoAccessFactoryTest, DeviceByUuidIsTheSameDeviceByItsText) {
   LumoAccessFactory factory;
   factory.initializeLumo();
-  fakeLumo().calls.clear();
+  fakeLumo().lines.clear();
   log_.lines.clear();
   EXPECT_TRUE(factory.getAccessDeviceByUuid("the uuid"));
-  EXPECT_THAT(fakeLumo().calls, ElementsAre("lumoLibraryInitDeviceByUuid the uuid", "lumoDeviceInitGpu",
-                                            "lumoDeviceInitVpu", "lumoDeviceInitMemory"));
+  EXPECT_THAT(fakeLumo().lines, ElementsAre("lumoLibraryInitDeviceByUuid(library 0, \"the uuid\")",
+                                            "lumoDeviceInitGpu(device 0)", "lumoDeviceInitVpu(device 0)",
+                                            "lumoDeviceInitMemory(device 0)"));
   EXPECT_THAT(log_.lines, ElementsAre("T getAccessDeviceByUuid >> uuid =  the uuid "));
 }
 
 TEST_F(LumoAccessFactoryTest, UnknownUuidLeavesNoDeviceAndOneErrorLine) {
-  fakeLumo().fail("lumoLibraryInitDeviceByUuid x", {LUMO_RETURN_NOT_FOUND});
+  fakeLumo().fail("lumoLibraryInitDeviceByUuid", {LUMO_RETURN_NOT_FOUND});
   LumoAccessFactory factory;
   EXPECT_FALSE(factory.getAccessDeviceByUuid("x"));
   EXPECT_THAT(log_.of('E'), ElementsAre("getAccessDeviceByUuid >> Init device failed, uuid =  x "));
@@ -122,7 +125,8 @@ TEST_P(LostPartTest, LeavesNoDeviceAndOneErrorLine) {
 
 INSTANTIATE_TEST_SUITE_P(
     LumoAccessFactoryTest, LostPartTest,
-    testing::Values(LostPart{"lumoLibraryInitDeviceByIndex", "getAccessDeviceById >> Init device failed, devId =  5 ", 1},
+    testing::Values(LostPart{"lumoLibraryInitDeviceByIndex",
+                             "getAccessDeviceById >> Init device failed, devId =  5 ", 1},
                     LostPart{"lumoDeviceInitGpu", "makeDevice >> Init gpu failed, ret =  7 ", 2},
                     LostPart{"lumoDeviceInitVpu", "makeDevice >> Init vpu failed, ret =  7 ", 3},
                     LostPart{"lumoDeviceInitMemory", "makeDevice >> Init memory failed, ret =  7 ", 4}),
