@@ -18,8 +18,7 @@ SimNode* simNodeOf(SimImage* image, const SimCall* call) {
 }
 
 int simIsGone(SimImage* image, const SimCall* call) {
-  const SimNode* const owner = SIM_AT(image, SimNode, nodes) + simNodeOf(image, call)->owner;
-  return !image->loaded || __atomic_load_n(&owner->gone, __ATOMIC_ACQUIRE);
+  return !simIsPresent(image, call->node);
 }
 
 int simErrnoOf(uint32_t status) {

@@ -22,10 +22,10 @@ static int isBefore(const SimCell* cell, uint32_t value, uint64_t key) {
   return cell->value < value || (cell->value == value && cell->key < key);
 }
 
-static SimCell* findExactly(SimImage* image, const SimNode* node, uint32_t value, uint64_t key) {
-  SimCell* const cells = SIM_AT(image, SimCell, cells) + node->cellFirst;
+// The first cell that is not before it, counted from the node's first.
+static uint32_t placeOf(const SimCell* cells, uint32_t count, uint32_t value, uint64_t key) {
   uint32_t low = 0;
-  uint32_t high = node->cellCount;
+  uint32_t high = count;
   while (low < high) {
     const uint32_t middle = low + (high - low) / 2;
     if (isBefore(&cells[middle], value, key)) {
@@ -34,13 +34,41 @@ static SimCell* findExactly(SimImage* image, const SimNode* node, uint32_t value
       high = middle;
     }
   }
-  if (low == node->cellCount || cells[low].value != value || cells[low].key != key) return 0;
-  return &cells[low];
+  return low;
 }
 
-static SimCell* findCell(SimImage* image, const SimNode* node, uint32_t value, uint64_t key) {
-  SimCell* const cell = findExactly(image, node, value, key);
-  return cell || valueKeys[value][0] == 0 ? cell : findExactly(image, node, value, SIM_ANY_KEY);
+SimCell* simFindExactly(SimImage* image, const SimNode* node, uint32_t value, uint64_t key) {
+  SimCell* const cells = SIM_AT(image, SimCell, cells) + node->cellFirst;
+  const uint32_t place = placeOf(cells, node->cellCount, value, key);
+  return place < node->cellCount && cells[place].value == value && cells[place].key == key ? &cells[place]
+                                                                                           : 0;
+}
+
+SimCell* simFindCell(SimImage* image, const SimNode* node, uint32_t value, uint64_t key) {
+  SimCell* const cell = simFindExactly(image, node, value, key);
+  if (cell) return cell->kind == SIM_CELL_NONE ? 0 : cell;
+  return valueKeys[value][0] == 0 ? 0 : simFindExactly(image, node, value, SIM_ANY_KEY);
+}
+
+SimCell* simCellsOf(SimImage* image, const SimNode* node, uint32_t value, uint32_t* count) {
+  SimCell* const cells = SIM_AT(image, SimCell, cells) + node->cellFirst;
+  const uint32_t first = placeOf(cells, node->cellCount, value, 0);
+  uint32_t end = first;
+  while (end < node->cellCount && cells[end].value == value) ++end;
+  *count = end - first;
+  return &cells[first];
+}
+
+void simSetNumber(SimCell* cell, uint64_t number) {
+  cell->changed = 1;
+  __atomic_store_n(&cell->number, number, __ATOMIC_RELAXED);
+  __atomic_store_n(&cell->kind, (uint8_t)SIM_CELL_NUMBER, __ATOMIC_RELEASE);
+}
+
+void simRestore(SimCell* cell) {
+  cell->number = cell->initial;
+  cell->kind = cell->initialKind;
+  cell->position = 0;
 }
 
 // The cell to answer from: a sequence moves on by one step.
@@ -118,81 +146,101 @@ static void putField(SimImage* image, const SimField* field, const SimCell* cell
   }
 }
 
-static SimRefusal refuse(uint32_t status) {
-  return (SimRefusal){status, 0};
-}
-
 // A value that the device does not have: nothing that was selected, or nothing of the kind at all.
 static SimRefusal refuseMissing(const SimRecord* record, const SimField* field) {
   const char first = valueKeys[field->value][0];
   const int selected = first == 'a' && !(record->needs & SIM_NEEDS_KEY);
-  return refuse(selected ? SIM_NO_SUCH_OBJECT : SIM_NOT_SUPPORTED);
+  return simRefuse(selected ? SIM_NO_SUCH_OBJECT : SIM_NOT_SUPPORTED);
 }
 
-static SimRefusal store(SimImage* image, const SimNode* node, const SimField* field, const uint8_t* from) {
-  const uint64_t number = simGet(from, field->width);
-  if (field->count && number > field->count) return refuse(SIM_BAD_ARGUMENT);
-  SimCell* const cell =
-      findCell(image, node, field->value, field->flags & SIM_FLAG_FIXED_KEY ? field->fixedKey : 0);
-  if (!cell) return refuse(SIM_NOT_SUPPORTED);
-  if (cell->kind == SIM_CELL_STATUS) return refuse((uint32_t)cell->number);
+// What a cell that refuses refuses with; nothing for all others.
+static SimRefusal refusalOf(const SimCell* cell) {
+  if (cell->kind == SIM_CELL_STATUS) return simRefuse((uint32_t)cell->number);
   if (cell->kind == SIM_CELL_ERRNO) return (SimRefusal){0, (int)cell->number};
-  __atomic_store_n(&cell->number, number, __ATOMIC_RELAXED);
-  __atomic_store_n(&cell->kind, (uint8_t)SIM_CELL_NUMBER, __ATOMIC_RELEASE);
-  return refuse(SIM_DONE);
+  return simRefuse(SIM_DONE);
 }
 
-static SimRefusal serveFields(SimImage* image, const SimNode* node, const SimRecord* record,
-                              const SimField* fields, uint32_t count, const SimSelection* selection,
-                              uint32_t row, uint8_t* bytes) {
-  const int blank = record->needs & SIM_BLANK_ONES;
+SimRefusal simStore(SimImage* image, const SimNode* node, uint32_t value, uint64_t key, uint64_t number) {
+  SimCell* const cell = simFindCell(image, node, value, key);
+  if (!cell) return simRefuse(SIM_NOT_SUPPORTED);
+  const SimRefusal refusal = refusalOf(cell);
+  if (!simIsRefused(refusal)) simSetNumber(cell, number);
+  return refusal;
+}
+
+SimRefusal simReadNumber(SimImage* image, const SimNode* node, uint32_t value, uint64_t key,
+                         uint64_t otherwise, uint64_t* number) {
+  SimCell* const found = simFindCell(image, node, value, key);
+  *number = otherwise;
+  if (!found) return simRefuse(SIM_DONE);
+  const SimCell* const cell = currentOf(image, found);
+  *number = cell->kind == SIM_CELL_NA ? ~(uint64_t)0 : cell->number;
+  return refusalOf(cell);
+}
+
+// In fields that say what to do; the rest selects.
+static SimRefusal takeField(const SimServing* serving, const SimField* field) {
+  const uint64_t number = simGet(serving->bytes + field->offset, field->width);
+  if (field->type == SIM_FIELD_CONSTANT) {
+    return simRefuse(number == field->count ? SIM_DONE : SIM_BAD_ARGUMENT);
+  }
+  if (field->count && number > field->count) return simRefuse(SIM_BAD_ARGUMENT);
+  if (field->type == SIM_FIELD_LIMIT) return simRefuse(SIM_DONE);
+  return simStore(serving->image, serving->node, field->value, 0, number);
+}
+
+// `bytes` is where the fields count from: the record, or a row of it.
+static SimRefusal serveFields(const SimServing* serving, const SimField* fields, uint32_t count, uint32_t row,
+                              uint8_t* bytes) {
+  const int blank = serving->record->needs & SIM_BLANK_ONES;
   for (uint32_t i = 0; i < count; ++i) {
     const SimField* const field = &fields[i];
     if (field->type == SIM_FIELD_KEY) continue;
-    if (field->type == SIM_FIELD_STORE) {
-      const SimRefusal refusal = store(image, node, field, bytes + field->offset);
-      if (refusal.status || refusal.error) return refusal;
+    SimRefusal refusal;
+    if (field->type < SIM_FIELD_NUMBER) {
+      refusal = takeField(serving, field);
+      if (simIsRefused(refusal)) return refusal;
       continue;
     }
     uint64_t key;
-    SimCell* const found =
-        makeKey(field, selection, row, &key) ? findCell(image, node, field->value, key) : 0;
+    SimCell* const found = makeKey(field, serving->selection, row, &key)
+                               ? simFindCell(serving->image, serving->node, field->value, key)
+                               : 0;
     if (!found) {
       if (field->flags & SIM_FLAG_OPTIONAL) continue;
-      return refuseMissing(record, field);
+      return refuseMissing(serving->record, field);
     }
-    const SimCell* const cell = currentOf(image, found);
-    if (cell->kind == SIM_CELL_STATUS) return refuse((uint32_t)cell->number);
-    if (cell->kind == SIM_CELL_ERRNO) return (SimRefusal){0, (int)cell->number};
-    putField(image, field, cell, bytes + field->offset, blank);
+    const SimCell* const cell = currentOf(serving->image, found);
+    refusal = refusalOf(cell);
+    if (simIsRefused(refusal)) return refusal;
+    putField(serving->image, field, cell, bytes + field->offset, blank);
   }
-  return refuse(SIM_DONE);
+  return simRefuse(SIM_DONE);
 }
 
-static SimRefusal serveRows(SimImage* image, const SimNode* node, const SimRecord* record,
-                            const SimSelection* selection, uint8_t* bytes) {
-  const SimRows* const rows = record->rows;
+static SimRefusal serveRows(const SimServing* serving) {
+  const SimRows* const rows = serving->record->rows;
   const SimField counter = {.offset = rows->countOffset,
                             .width = rows->countWidth,
                             .type = SIM_FIELD_NUMBER,
                             .value = rows->countValue};
-  uint8_t* const at = bytes + rows->countOffset;
-  SimRefusal refusal = serveFields(image, node, record, &counter, 1, selection, 0, bytes);
-  if (refusal.status || refusal.error) return refusal;
+  uint8_t* const at = serving->bytes + rows->countOffset;
+  SimRefusal refusal = serveFields(serving, &counter, 1, 0, serving->bytes);
+  if (simIsRefused(refusal)) return refusal;
   // What does not fit is dropped.
   uint64_t count = simGet(at, rows->countWidth);
   if (count > rows->max) count = rows->max;
   simPut(at, rows->countWidth, count);
   for (uint32_t i = 0; i < count; ++i) {
-    refusal = serveFields(image, node, record, rows->fields, rows->fieldCount, selection, i,
-                          bytes + rows->base + i * rows->stride);
-    if (refusal.status || refusal.error) return refusal;
+    refusal = serveFields(serving, rows->fields, rows->fieldCount, i,
+                          serving->bytes + rows->base + i * rows->stride);
+    if (simIsRefused(refusal)) return refusal;
   }
   return refusal;
 }
 
 void simReadSelection(const SimRecord* record, const uint8_t* bytes, SimSelection* selection) {
-  selection->keyCount = 0;
+  *selection = (SimSelection){{0}, 0};
   for (uint32_t i = 0; i < record->fieldCount; ++i) {
     const SimField* const field = &record->fields[i];
     if (field->type != SIM_FIELD_KEY) continue;
@@ -200,21 +248,47 @@ void simReadSelection(const SimRecord* record, const uint8_t* bytes, SimSelectio
   }
 }
 
-SimRefusal simServeRecord(SimImage* image, const SimNode* node, const SimRecord* record,
-                          SimSelection* selection, uint8_t* bytes) {
-  const int capable =
-      !(record->needs & SIM_NEEDS_SABLINK) || simNumberOf(image, node, SIM_SABLINK_CAPABLE, 0) != 0;
-  if (!(record->nodes & node->kind) || !capable) return refuse(SIM_NOT_SUPPORTED);
+static int isDevice(SimImage* image, uint32_t miscNumber) {
+  const SimNode* const nodes = SIM_AT(image, SimNode, nodes);
+  for (uint32_t i = 0; i < image->nodes.count; ++i) {
+    const int isMisc = nodes[i].kind < SIM_NODE_RENDER;
+    if (isMisc && nodes[i].number == miscNumber && nodes[i].present) return 1;
+  }
+  return 0;
+}
+
+// Whether this node has what the record is about.
+static SimRefusal checkNeeds(const SimServing* serving) {
+  const uint8_t needs = serving->record->needs;
+  const uint32_t first = serving->selection->keys[0];
+  if (!(serving->record->nodes & serving->node->kind)) return simRefuse(SIM_NOT_SUPPORTED);
+  if (needs & SIM_NEEDS_SABLINK && !simNumberOf(serving->image, serving->node, SIM_SABLINK_CAPABLE, 0)) {
+    return simRefuse(SIM_NOT_SUPPORTED);
+  }
+  if (needs & SIM_NEEDS_LINK && first >= simNumberOf(serving->image, serving->node, SIM_SABLINK_LINKS, 0)) {
+    return simRefuse(SIM_NO_SUCH_OBJECT);
+  }
+  if (needs & SIM_NEEDS_PEER && !isDevice(serving->image, first)) return simRefuse(SIM_NO_SUCH_OBJECT);
+  return simRefuse(SIM_DONE);
+}
+
+SimRefusal simServeRecord(SimImage* image, SimCall* call, const SimRecord* record,
+                          const SimSelection* selection, uint8_t* bytes) {
+  const SimServing serving = {image,  call,      SIM_AT(image, SimNode, nodes) + call->node,
+                              record, selection, bytes};
+  SimRefusal refusal = checkNeeds(&serving);
+  if (simIsRefused(refusal)) return refusal;
   if (record->needs & SIM_BLANK_ONES) {
     for (uint32_t i = 0; i < record->size; ++i) bytes[i] = 0xff;
   }
-  const SimRefusal refusal =
-      serveFields(image, node, record, record->fields, record->fieldCount, selection, 0, bytes);
-  if (refusal.status || refusal.error || !record->rows) return refusal;
-  return serveRows(image, node, record, selection, bytes);
+  if (record->action) refusal = record->action(&serving);
+  if (simIsRefused(refusal)) return refusal;
+  refusal = serveFields(&serving, record->fields, record->fieldCount, 0, bytes);
+  if (simIsRefused(refusal) || !record->rows || record->needs & SIM_OWN_ROWS) return refusal;
+  return serveRows(&serving);
 }
 
 uint64_t simNumberOf(SimImage* image, const SimNode* node, uint32_t value, uint64_t otherwise) {
-  SimCell* const cell = findExactly(image, node, value, 0);
+  const SimCell* const cell = simFindExactly(image, node, value, 0);
   return cell && cell->kind == SIM_CELL_NUMBER ? cell->number : otherwise;
 }

@@ -14,7 +14,7 @@ extern "C" {
 
 enum {
   SIM_IMAGE_MAGIC = 0x4d495356,
-  SIM_IMAGE_LAYOUT = 1,
+  SIM_IMAGE_LAYOUT = 2,
 };
 
 enum SimValue {
@@ -38,6 +38,7 @@ enum SimCellKind {
   SIM_CELL_STATUS,  // the call is refused with this driver status
   SIM_CELL_ERRNO,   // the call fails with this errno
   SIM_CELL_STEPS,   // one value after the other: `length` steps from cell `offset` of the step table
+  SIM_CELL_NONE,    // no such value yet: room for one that a call may make
 };
 
 typedef struct SimCell {
@@ -47,8 +48,12 @@ typedef struct SimCell {
   uint8_t cycle;      // steps begin again; else the last one stays
   uint32_t position;  // steps that were taken
   uint64_t number;
+  uint64_t initial;  // the number and kind that a reset brings back
   uint32_t offset;
   uint32_t length;
+  uint8_t initialKind;  // enum SimCellKind
+  uint8_t changed;      // a call has set it
+  uint8_t reserved[6];
 } SimCell;
 
 enum SimNodeKind {
@@ -62,14 +67,58 @@ enum SimNodeKind {
 // A device node. `cells` are sorted by value and key; a render node has those of its device.
 typedef struct SimNode {
   uint32_t kind;
-  uint32_t number;  // N of ovgpu.N, renderDN, cardN
-  uint32_t owner;   // index of the device's misc node
-  uint32_t gone;    // the device was removed (of a misc node)
+  uint32_t number;   // N of ovgpu.N, renderDN, cardN
+  uint32_t owner;    // index of the device's misc node
+  uint32_t gpu;      // index in the GPU table
+  uint32_t gone;     // the device was removed (of a misc node)
+  uint32_t present;  // there is such a node now; those of other MPC configurations wait
   uint32_t cellFirst;
   uint32_t cellCount;
   uint64_t device;  // st_dev and st_ino of the file that stands for the node
   uint64_t inode;
 } SimNode;
+
+// What `SimGpu.mpcState` is when it is not the id of a configuration.
+enum {
+  SIM_MPC_UNSET = 0xffff,  // in MPC mode without a configuration
+  SIM_MPC_OFF = 0x10000,
+};
+
+// A PCI function; its place is the number of its folder in procfs.
+typedef struct SimGpu {
+  uint32_t node;      // its own misc node
+  uint32_t mpcState;  // id of the configuration that is set, or one of the above
+} SimGpu;
+
+// What a node of a GPU is in one state of the MPC mode. A node that has no face in a state is not there.
+typedef struct SimFace {
+  uint32_t gpu;
+  uint32_t state;  // as SimGpu.mpcState
+  uint32_t node;
+  uint32_t kind;  // enum SimNodeKind
+  uint32_t cellFirst;
+  uint32_t cellCount;
+} SimFace;
+
+// A path that is there as long as its node is.
+typedef struct SimNodePath {
+  uint32_t node;
+  uint32_t path;  // offset of the NUL-ended path
+} SimNodePath;
+
+enum { SIM_SESSION_COUNT = 64 };
+
+enum SimSessionKind { SIM_SESSION_PCIE, SIM_SESSION_SABLINK };
+
+// A measurement of a bus. Every read of it is an interval further.
+typedef struct SimSession {
+  uint32_t id;  // 0: not in use
+  uint32_t kind;
+  uint32_t node;
+  uint32_t link;
+  uint32_t interval;  // ms
+  uint32_t samples;
+} SimSession;
 
 // An entry of the driver's interface list.
 typedef struct SimListed {
@@ -146,16 +195,20 @@ typedef struct SimImage {
   uint32_t renderProtocol;  // SIM_PROTOCOL_0 or SIM_PROTOCOL_NONE
   uint32_t loaded;          // the driver is there; if not, its nodes open for nobody
   uint32_t fixedTime;       // the wall clock stands still
-  uint32_t reserved;
-  int64_t time;           // seconds since the epoch
-  uint64_t calls;         // ioctls so far
-  SimTable nodes;         // SimNode, sorted by kind group and number
-  SimTable cells;         // SimCell
-  SimTable steps;         // SimCell
-  SimTable listed;        // SimListed, misc
-  SimTable renderListed;  // SimListed
-  SimTable faults;        // SimFault
-  SimTable removed;       // u32 offsets of paths that are hidden although the machine has them
+  uint32_t lastSession;     // id of the session that was started last
+  int64_t time;             // seconds since the epoch
+  uint64_t calls;           // ioctls so far
+  SimTable nodes;           // SimNode
+  SimTable gpus;            // SimGpu
+  SimTable faces;           // SimFace
+  SimTable nodePaths;       // SimNodePath
+  SimTable sessions;        // SimSession
+  SimTable cells;           // SimCell
+  SimTable steps;           // SimCell
+  SimTable listed;          // SimListed, misc
+  SimTable renderListed;    // SimListed
+  SimTable faults;          // SimFault
+  SimTable removed;         // u32 offsets of paths that are hidden although the machine has them
 } SimImage;
 
 #define SIM_AT(image, type, table) ((type*)(void*)((char*)(uintptr_t)(image) + (image)->table.offset))

@@ -50,6 +50,8 @@ int simIoctl(SimImage* image, SimCall* call) {
   call->status = SIM_DONE;
   call->kind = SIM_CALL_UNKNOWN;
   call->hasInterface = 0;
+  call->nodesChanged = 0;
+  call->dropsEvents = 0;
   call->hangMs = 0;
   __atomic_fetch_add(&image->calls, 1, __ATOMIC_RELAXED);
   if (simIsGone(image, call)) return simFail(call, SIM_ENODEV);
@@ -69,6 +71,12 @@ int simFindNode(const SimImage* image, uint64_t device, uint64_t inode) {
     if (nodes[i].inode == inode && nodes[i].device == device) return (int)i;
   }
   return -1;
+}
+
+int simIsPresent(const SimImage* image, uint32_t node) {
+  const SimNode* const nodes = SIM_AT(image, const SimNode, nodes);
+  return image->loaded && nodes[node].present &&
+         !__atomic_load_n(&nodes[nodes[node].owner].gone, __ATOMIC_ACQUIRE);
 }
 
 void simNodeName(const SimNode* node, char name[SIM_NODE_NAME]) {

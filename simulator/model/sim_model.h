@@ -50,6 +50,9 @@ typedef struct SimCall {
   // Filled by the shell. Both return 0, or not 0 when the memory cannot be reached.
   int (*readMemory)(struct SimCall* call, void* to, uint64_t address, size_t size);
   int (*writeMemory)(struct SimCall* call, uint64_t address, const void* from, size_t size);
+  // Whether the caller has a node of a device open that is not `owner`'s, the index of a misc node. Null
+  // stands for no.
+  int (*othersOpen)(struct SimCall* call, uint32_t owner);
   uint32_t node;  // index in the node table
   uint32_t request;
   uint64_t argument;
@@ -59,6 +62,8 @@ typedef struct SimCall {
   uint32_t status;       // enum SimStatus; protocol 1
   uint8_t kind;          // enum SimCallKind
   uint8_t hasInterface;  // the next two are told
+  uint8_t nodesChanged;  // the shell has to bring the paths of the nodes in line
+  uint8_t dropsEvents;   // the shell has to empty the event queues of the node's GPU
   uint16_t version;
   uint32_t interfaceName;
   uint64_t hangMs;  // to be waited, outside of any lock, before the answer is handed over
@@ -70,6 +75,9 @@ int simIoctl(SimImage* image, SimCall* call);
 
 // Index of the node, or -1.
 int simFindNode(const SimImage* image, uint64_t device, uint64_t inode);
+
+// Whether the node is there for its programs: neither removed nor waiting for another MPC configuration.
+int simIsPresent(const SimImage* image, uint32_t node);
 
 // The node's name as it stands in its folder, NUL-ended: ovgpu.3, renderD131, card3.
 enum { SIM_NODE_NAME = 24 };

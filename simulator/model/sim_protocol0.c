@@ -78,7 +78,7 @@ int simAnswerRecord0(SimImage* image, SimCall* call) {
   if (simReadRecord(call, record->size)) return call->error;
   SimSelection selection;
   simReadSelection(record, call->buffer, &selection);
-  SimRefusal refusal = simServeRecord(image, simNodeOf(image, call), record, &selection, call->buffer);
+  SimRefusal refusal = simServeRecord(image, call, record, &selection, call->buffer);
   if (fault.hasStatus) refusal = (SimRefusal){fault.status, 0};
   if (refusal.error || refusal.status) {
     return simFail(call, refusal.error ? refusal.error : simErrnoOf(refusal.status));

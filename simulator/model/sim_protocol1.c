@@ -46,8 +46,8 @@ static int answerScan(SimImage* image, SimCall* call, uint64_t bodySize) {
   uint32_t misc = 0;
   uint32_t render = 0;
   for (uint32_t i = 0; i < image->nodes.count; ++i) {
-    misc += nodes[i].kind < SIM_NODE_RENDER;
-    render += nodes[i].kind == SIM_NODE_RENDER;
+    misc += nodes[i].present && nodes[i].kind < SIM_NODE_RENDER;
+    render += nodes[i].present && nodes[i].kind == SIM_NODE_RENDER;
   }
   simPut(call->buffer + 24, 2, fault.hasCount ? fault.count : image->listed.count);
   simPut(call->buffer + 26, 2, 1);
@@ -130,7 +130,7 @@ static int answerCall(SimImage* image, SimCall* call, uint64_t bodySize) {
   uint8_t* const payload = call->buffer + kPayloadOffset;
   SimSelection selection;
   simReadSelection(record, payload, &selection);
-  const SimRefusal refusal = simServeRecord(image, simNodeOf(image, call), record, &selection, payload);
+  const SimRefusal refusal = simServeRecord(image, call, record, &selection, payload);
   if (refusal.error) return simFail(call, refusal.error);
   if (refusal.status) return answerStatus(call, refusal.status);
   if (fault.hasCount && record->rows) {

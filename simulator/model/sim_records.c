@@ -1,45 +1,5 @@
-#include "sim_records.h"
-
-#define COUNT_OF(table) ((uint32_t)(sizeof(table) / sizeof((table)[0])))
-
-#define IN_KEY(at, size) \
-  { .offset = at, .width = size, .type = SIM_FIELD_KEY }
-#define IN_STORE(at, size, id, limit) \
-  { .offset = at, .width = size, .type = SIM_FIELD_STORE, .value = SIM_##id, .count = limit }
-#define IN_STORE_AS(at, size, id, key)                                                                    \
-  {                                                                                                       \
-    .offset = at, .width = size, .type = SIM_FIELD_STORE, .value = SIM_##id, .flags = SIM_FLAG_FIXED_KEY, \
-    .fixedKey = key                                                                                       \
-  }
-#define OUT(at, size, id) \
-  { .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id }
-#define OUT_OPTIONAL(at, size, id) \
-  { .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .flags = SIM_FLAG_OPTIONAL }
-#define OUT_SIGNED(at, size, id) \
-  { .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .flags = SIM_FLAG_SIGNED_NA }
-#define OUT_AS(at, size, id, key)                                                                          \
-  {                                                                                                        \
-    .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .flags = SIM_FLAG_FIXED_KEY, \
-    .fixedKey = key                                                                                        \
-  }
-#define OUT_BITS(at, size, id, first, n) \
-  { .offset = at, .width = size, .type = SIM_FIELD_BITS, .value = SIM_##id, .shift = first, .bits = n }
-#define OUT_ARRAY(at, size, n, id) \
-  { .offset = at, .width = size, .type = SIM_FIELD_ARRAY, .value = SIM_##id, .count = n, .stride = size }
-#define OUT_SPREAD(at, size, n, every, id) \
-  { .offset = at, .width = size, .type = SIM_FIELD_ARRAY, .value = SIM_##id, .count = n, .stride = every }
-#define OUT_BYTES(at, size, id) \
-  { .offset = at, .width = size, .type = SIM_FIELD_BYTES, .value = SIM_##id }
-
-#define ROWS(name, at, size, id, first, every, limit, table) \
-  static const SimRows name = {.countOffset = at,            \
-                               .countWidth = size,           \
-                               .countValue = SIM_##id,       \
-                               .base = first,                \
-                               .stride = every,              \
-                               .max = limit,                 \
-                               .fields = table,              \
-                               .fieldCount = COUNT_OF(table)}
+#include "sim_actions.h"
+#include "sim_record_rows.h"
 
 // ---- fields that records share
 
@@ -145,7 +105,7 @@ static const SimField pathRowOld[] = {OUT(0, 4, SABLINK_PATH_LENGTH),
 ROWS(pathRows, 0, 4, SABLINK_PATH_COUNT, 6, 52, 16, pathRow);
 ROWS(pathRowsOld, 0, 4, SABLINK_PATH_COUNT, 8, 68, 16, pathRowOld);
 
-static const SimField serdesFields[] = {IN_KEY(4, 4)};
+static const SimField serdesFields[] = {IN_CONSTANT(0, 4, 4), IN_KEY(4, 4)};
 static const SimField serdesRow[] = {
     OUT(0, 4, SERDES_STATE),
     OUT(4, 4, SERDES_EYE_WIDTH),
@@ -216,7 +176,7 @@ static const SimField displayRow[] = {
     OUT(9, 4, DISPLAY_PIXEL_CLOCK),
 };
 ROWS(displayRows, 0, 2, DISPLAY_COUNT, 2, 17, 8, displayRow);
-static const SimField efuseFields[] = {OUT(0, 4, EFUSE_START), OUT(4, 4, EFUSE_BITS),
+static const SimField efuseFields[] = {IN_LIMIT(4, 4, 1024), OUT(0, 4, EFUSE_START), OUT(4, 4, EFUSE_BITS),
                                        OUT_ARRAY(8, 4, 32, EFUSE_WORDS)};
 static const SimField memoryTemperatureFields1[] = {OUT(0, 4, MEMORY_TEMPERATURE),
                                                     OUT(8, 8, MEMORY_CHANNEL_MASK)};
@@ -241,36 +201,45 @@ static const SimField slowdownFields[] = {OUT(0, 4, SLOWDOWN_COUNT), OUT(4, 4, S
 static const SimField bar2Fields[] = {OUT(0, 8, BAR2_TOTAL), OUT(8, 8, BAR2_USED), OUT(16, 8, BAR2_FREE)};
 static const SimField overcommitFields[] = {IN_KEY(0, 4), OUT(4, 4, OVERCOMMIT),
                                             OUT(8, 4, OVERCOMMIT_MEMORY)};
-// What is set is the requested limit, kind 1.
-static const SimField setPowerLimitFields[] = {IN_STORE_AS(0, 4, POWER_LIMIT, 1)};
+// What is asked of a setter is the action's to look at.
+static const SimField powerSetFields0[] = {IN_KEY(0, 4)};
+static const SimField powerSetFields1[] = {IN_KEY(0, 4), IN_KEY(4, 4)};
+static const SimField setConfigurationFields[] = {IN_KEY(0, 2)};
+static const SimField switchMpcFields[] = {IN_KEY(0, 1)};
+static const SimField linkFields[] = {IN_KEY(0, 4)};
+static const SimField clearEccFields[] = {IN_KEY(0, 4)};
+static const SimField clearCountsFields[] = {IN_KEY(16, 4), IN_KEY(20, 4)};
+
+// ---- fields of measurements
+
+static const SimField pcieStartFields[] = {IN_KEY(0, 4)};
+static const SimField pcieReadFields[] = {
+    IN_KEY(4, 4),
+    OUT(24, 8, PCIE_RX_RATE),
+    OUT(32, 8, PCIE_TX_RATE),
+    OUT(40, 4, PCIE_PERF_STATE),
+    OUT(52, 4, PCIE_RX_MIN),
+    OUT(56, 4, PCIE_RX_MEAN),
+    OUT(60, 4, PCIE_RX_MAX),
+    OUT(64, 4, PCIE_TX_MIN),
+    OUT(68, 4, PCIE_TX_MEAN),
+    OUT(72, 4, PCIE_TX_MAX),
+};
+static const SimField pcieStopFields[] = {IN_KEY(0, 4)};
+static const SimField sablinkReadFields[] = {
+    IN_KEY(48, 4),
+    IN_KEY(52, 4),
+    OUT(24, 8, SABLINK_RX_RATE),
+    OUT(32, 8, SABLINK_TX_RATE),
+};
+static const SimField sablinkStopFields[] = {IN_KEY(16, 4), IN_KEY(20, 4)};
+
+// A sample is asked for and fetched; version 1 knows no environment.
+static const SimField sampleFields1[] = {IN_KEY(0, 4)};
+static const SimField sampleFields2[] = {IN_KEY(0, 4), IN_KEY(4, 4)};
+static const SimRows sampleRows = {.countOffset = 36, .countWidth = 4, .base = 40, .stride = 60, .max = 80};
 
 // ---- records
-
-enum {
-  kPlain = SIM_NODE_PLAIN,
-  kParent = SIM_NODE_PARENT,
-  kInstance = SIM_NODE_INSTANCE,
-  kAny = SIM_NODE_PLAIN | SIM_NODE_PARENT | SIM_NODE_INSTANCE,
-  kSablink = SIM_NEEDS_SABLINK,
-};
-
-#define RECORD1(name, edition, bytes, who, what, table)                                                     \
-  {                                                                                                         \
-    .interfaceName = name, .version = edition, .size = bytes, .nodes = who, .needs = what, .fields = table, \
-    .fieldCount = COUNT_OF(table)                                                                           \
-  }
-#define RECORD1_FIRST(name, edition, bytes, who, what, table, n)                                            \
-  {                                                                                                         \
-    .interfaceName = name, .version = edition, .size = bytes, .nodes = who, .needs = what, .fields = table, \
-    .fieldCount = n                                                                                         \
-  }
-#define LIST1(name, edition, bytes, who, what, list) \
-  { .interfaceName = name, .version = edition, .size = bytes, .nodes = who, .needs = what, .rows = &(list) }
-#define LIST1_OF(name, edition, bytes, who, what, table, list)                                              \
-  {                                                                                                         \
-    .interfaceName = name, .version = edition, .size = bytes, .nodes = who, .needs = what, .fields = table, \
-    .fieldCount = COUNT_OF(table), .rows = &(list)                                                          \
-  }
 
 // Interface, version, payload bytes, nodes that answer, what the device needs, fields.
 static const SimRecord records1[] = {
@@ -279,33 +248,48 @@ static const SimRecord records1[] = {
     RECORD1(3, 1, 72, kAny, 0, memoryFields),
     LIST1(4, 3, 7384, kAny, 0, processRows3),
     RECORD1(6, 1, 272, kAny, 0, configSpaceFields),
-    RECORD1(7, 1, 28, kAny, 0, p2pFields),
+    RECORD1(7, 1, 28, kAny, SIM_NEEDS_PEER, p2pFields),
     RECORD1(8, 1, 60, kAny, 0, descriptionFields),
     RECORD1(8, 2, 60, kAny, 0, descriptionFields),
     LIST1(9, 1, 1940, kParent, 0, profileRows),
     LIST1(10, 1, 3796, kParent, 0, configurationRows),
     LIST1(11, 1, 86, kParent, 0, instanceRows),
+    ACTION1(12, 1, 18, kParent, 0, setConfigurationFields, simSetConfiguration),
     RECORD1(13, 1, 18, kInstance, 0, parentFields),
     RECORD1(14, 1, 60, kInstance, 0, ownProfileFields),
+    ACTION1(15, 1, 17, kPlain | kParent, 0, switchMpcFields, simSwitchMpc),
     RECORD1(16, 1, 118, kParent, 0, currentFields),
     RECORD1(17, 2, 28, kAny, kSablink, sablinkSpecFields),
-    RECORD1(18, 2, 28, kAny, kSablink, sablinkCapabilityFields),
-    RECORD1(19, 2, 24, kAny, kSablink, sablinkStateFields),
-    RECORD1(20, 3, 32, kAny, kSablink, sablinkErrorFields),
-    LIST1_OF(22, 2, 406, kAny, kSablink, peerFields, layoutRows),
-    RECORD1(23, 2, 34, kAny, kSablink, remoteDeviceFields),
-    LIST1_OF(24, 2, 854, kAny, kSablink, peerFields, pathRows),
+    RECORD1(18, 2, 28, kAny, kLink, sablinkCapabilityFields),
+    RECORD1(19, 2, 24, kAny, kLink, sablinkStateFields),
+    RECORD1(20, 3, 32, kAny, kLink, sablinkErrorFields),
+    ACTION1(21, 2, 20, kAny, kLink, linkFields, simResetLink),
+    LIST1_OF(22, 2, 406, kAny, kPeer, peerFields, layoutRows),
+    RECORD1(23, 2, 34, kAny, kLink, remoteDeviceFields),
+    LIST1_OF(24, 2, 854, kAny, kPeer, peerFields, pathRows),
+    ACTION1(26, 2, 28, kAny, 0, pcieStartFields, simStartPcie),
+    ACTION1(27, 2, 112, kAny, 0, pcieReadFields, simReadPcie),
+    ACTION1(28, 1, 24, kAny, 0, pcieStopFields, simStopPcie),
+    ACTION1_BARE(29, 1, 20, kAny, 0, simResetGpu),
+    ACTION1_ROWS(30, 1, 4856, kAny, SIM_OWN_ROWS, sampleFields1, sampleRows, simSampleProcesses),
+    ACTION1_ROWS(30, 2, 4856, kAny, SIM_OWN_ROWS, sampleFields2, sampleRows, simSampleProcesses),
     RECORD1(31, 1, 60, kAny, 0, slotFields),
     RECORD1(32, 1, 256, kAny, 0, infoRomFields),
     RECORD1(33, 1, 24, kAny, SIM_NEEDS_KEY, vgpuUtilizationFields),
     RECORD1(34, 1, 36, kAny, SIM_NEEDS_KEY, vgpuMemoryFields),
     RECORD1(35, 1, 32, kAny, 0, replayFields),
-    LIST1_OF(39, 1, 84, kAny, kSablink, serdesFields, serdesRows),
+    ACTION1(36, 1, 28, kAny, kLink, linkFields, simStartSablink),
+    ACTION1(37, 1, 60, kAny, kLink, sablinkReadFields, simReadSablink),
+    ACTION1(38, 1, 28, kAny, kLink, sablinkStopFields, simStopSablink),
+    LIST1_OF(39, 1, 84, kAny, kLink, serdesFields, serdesRows),
+    ACTION1_BARE(43, 1, 16, kAny, 0, simDropEvents),
+    ACTION1(44, 1, 24, kAny, 0, clearCountsFields, simClearCounts),
     RECORD1(45, 1, 24, kAny, 0, retiredCountFields),
     RECORD1(46, 1, 56, kAny, 0, retiredPageFields),
     RECORD1(47, 1, 56, kAny, 0, retiringPageFields),
     RECORD1(48, 1, 21, kAny, 0, eccModeFields),
     RECORD1(49, 1, 20, kAny, 0, setEccModeFields),
+    ACTION1_BARE(50, 1, 16, kAny, 0, simResetDevice),
     RECORD1(51, 1, 28, kAny, 0, clockFields),
     RECORD1(52, 1, 40, kAny, 0, firmwareFields),
     RECORD1(53, 1, 20, kAny, 0, fanCountFields),
@@ -326,35 +310,15 @@ static const SimRecord records1[] = {
     RECORD1(67, 0, 20, kAny, 0, pstateFields),
     RECORD1(68, 0, 20, kAny, 0, setPstateFields),
     RECORD1(69, 0, 36, kAny, 0, eccErrorFields),
+    ACTION1(70, 0, 20, kAny, 0, clearEccFields, simClearEcc),
     RECORD1(71, 0, 64, kAny, 0, nameFields),
     RECORD1(72, 0, 24, kAny, 0, powerLimitFields),
     RECORD1(73, 0, 24, kAny, 0, slowdownFields),
     RECORD1(74, 0, 56, kAny, 0, bar2Fields),
     RECORD1(75, 0, 44, kAny, SIM_NEEDS_KEY, overcommitFields),
-    RECORD1(76, 0, 20, kAny, 0, setPowerLimitFields),
-    RECORD1(76, 1, 20, kAny, 0, setPowerLimitFields),
+    ACTION1(76, 0, 20, kAny, 0, powerSetFields0, simSetPowerLimit),
+    ACTION1(76, 1, 20, kAny, 0, powerSetFields1, simSetPowerLimit),
 };
-
-#define RECORD0(number, name, edition, bytes, who, what, table)                                \
-  {                                                                                            \
-    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
-    .needs = what, .fields = table, .fieldCount = COUNT_OF(table)                              \
-  }
-#define RECORD0_FIRST(number, name, edition, bytes, who, what, table, n)                       \
-  {                                                                                            \
-    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
-    .needs = what, .fields = table, .fieldCount = n                                            \
-  }
-#define LIST0(number, name, edition, bytes, who, what, list)                                   \
-  {                                                                                            \
-    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
-    .needs = what, .rows = &(list)                                                             \
-  }
-#define LIST0_OF(number, name, edition, bytes, who, what, table, list)                         \
-  {                                                                                            \
-    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
-    .needs = what, .fields = table, .fieldCount = COUNT_OF(table), .rows = &(list)             \
-  }
 
 // Request, interface, version, bytes, nodes that answer, what the device needs, fields.
 static const SimRecord records0[] = {
@@ -393,25 +357,6 @@ static const SimRecord records0[] = {
     RECORD0(0x40044DE6, 49, 0, 4, kAny, 0, setEccModeFields),
 };
 
-// ---- replies of the video engine, by operation
-
-static const SimField vpuUtilizationFields[] = {OUT_ARRAY(0, 4, 16, VPU_UTILIZATION)};
-static const SimField vpuClockFields[] = {OUT_SPREAD(0, 4, 16, 8, VPU_CLOCK)};
-static const SimField vpuCoreRow[] = {
-    OUT(0, 1, VPU_CORE_KIND),
-    OUT(1, 1, VPU_CORE_THREADS),
-    OUT(2, 2, VPU_CORE_INSTANCES),
-    OUT(4, 4, VPU_CORE_CLOCK),
-};
-ROWS(vpuCoreRows, 0, 4, VPU_CORE_COUNT, 4, 8, 16, vpuCoreRow);
-
-// Operation in `request`. A core that is absent reads all ones.
-static const SimRecord vpuRecords[] = {
-    RECORD0(0, 100000, 2, 64, SIM_NODE_RENDER, SIM_BLANK_ONES, vpuUtilizationFields),
-    RECORD0(3, 100003, 2, 128, SIM_NODE_RENDER, SIM_BLANK_ONES, vpuClockFields),
-    LIST0(4, 100004, 2, 132, SIM_NODE_RENDER, SIM_BLANK_ONES, vpuCoreRows),
-};
-
 const SimRecord* simRecords1(uint32_t* count) {
   *count = COUNT_OF(records1);
   return records1;
@@ -422,11 +367,6 @@ const SimRecord* simRecords0(uint32_t* count) {
   return records0;
 }
 
-const SimRecord* simVpuRecords(uint32_t* count) {
-  *count = COUNT_OF(vpuRecords);
-  return vpuRecords;
-}
-
 const SimRecord* simFindRecord1(uint32_t interfaceName, uint32_t version) {
   for (uint32_t i = 0; i < COUNT_OF(records1); ++i) {
     if (records1[i].interfaceName == interfaceName && records1[i].version == version) return &records1[i];
@@ -434,17 +374,9 @@ const SimRecord* simFindRecord1(uint32_t interfaceName, uint32_t version) {
   return 0;
 }
 
-static const SimRecord* findByRequest(const SimRecord* records, uint32_t count, uint32_t request) {
-  for (uint32_t i = 0; i < count; ++i) {
-    if (records[i].request == request) return &records[i];
+const SimRecord* simFindRecord0(uint32_t request) {
+  for (uint32_t i = 0; i < COUNT_OF(records0); ++i) {
+    if (records0[i].request == request) return &records0[i];
   }
   return 0;
-}
-
-const SimRecord* simFindRecord0(uint32_t request) {
-  return findByRequest(records0, COUNT_OF(records0), request);
-}
-
-const SimRecord* simFindVpuRecord(uint32_t operation) {
-  return findByRequest(vpuRecords, COUNT_OF(vpuRecords), operation);
 }

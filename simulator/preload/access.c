@@ -66,8 +66,7 @@ static int closeIfGone(const Access* access, int fd) {
   if (fstat(fd, &status) != 0) return fd;
   const int index = simFindNode(image, status.st_dev, status.st_ino);
   if (index < 0) return fd;
-  const SimNode* const nodes = SIM_AT(image, SimNode, nodes);
-  if (image->loaded && !__atomic_load_n(&nodes[nodes[index].owner].gone, __ATOMIC_ACQUIRE)) return fd;
+  if (simIsPresent(image, (uint32_t)index)) return fd;
   close(fd);
   errno = ENODEV;
   return -1;
@@ -105,9 +104,11 @@ static int replaceContent(const Access* access, int fd) {
 
 int accessOpenFile(Access* access, int flags, mode_t mode) {
   typedef int (*Open)(const char*, int, ...);
-  // Opened for reading alone, a queue without a writer would wait for one.
-  if (isEventQueue(access)) flags = (flags & ~O_ACCMODE) | O_RDWR | O_NONBLOCK;
   int fd = REAL(Open, "open")(access->host, flags, mode);
+  if (fd >= 0 && isEventQueue(access)) {
+    close(fd);
+    fd = eventsOpen(access->shell, access->logical, flags);
+  }
   if (fd >= 0 && isNode(access)) fd = closeIfGone(access, fd);
   const int changed = access->fault.cut >= 0 || access->fault.text;
   if (fd >= 0 && changed && (flags & O_ACCMODE) == O_RDONLY && !(flags & O_DIRECTORY)) {

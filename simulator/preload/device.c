@@ -28,13 +28,6 @@ static int writeMemory(SimCall* call, uint64_t address, const void* from, size_t
   return 0;
 }
 
-static int findNode(const Shell* shell, int fd) {
-  struct stat status;
-  // Straight to the kernel: this is done on every call.
-  if (syscall(SYS_newfstatat, fd, "", &status, 0x1000 /* AT_EMPTY_PATH */) != 0) return -1;
-  return simFindNode(shell->image, status.st_dev, status.st_ino);
-}
-
 static const char* const kindNames[] = {"probe", "scan", "list", "record", "unknown"};
 
 static void traceCall(const Shell* shell, const SimCall* call) {
@@ -72,18 +65,21 @@ SHELL_EXPORT int ioctl(int fd, unsigned long request, ...) {
   if (type != kMiscType && type != kRenderType) return REAL(Ioctl, "ioctl")(fd, request, argument);
   const int saved = errno;
   const Shell* const shell = shellGet();
-  const int node = findNode(shell, fd);
+  const int node = nodesFind(shell, fd);
   errno = saved;
   if (node < 0) return REAL(Ioctl, "ioctl")(fd, request, argument);
 
   SimCall call;
   call.readMemory = readMemory;
   call.writeMemory = writeMemory;
+  call.othersOpen = nodesOthersOpen;
   call.node = (uint32_t)node;
   call.request = number;
   call.argument = (uint64_t)(uintptr_t)argument;
   shellLock();
   const int error = simIoctl(shell->image, &call);
+  if (call.nodesChanged) nodesArrange(shell);
+  if (call.dropsEvents) eventsDrop(shell, SIM_AT(shell->image, const SimNode, nodes)[node].gpu);
   shellUnlock();
   if (call.hangMs) shellSleepMs(call.hangMs);
   if (shell->traceFd >= 0) traceCall(shell, &call);

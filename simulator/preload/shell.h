@@ -78,6 +78,25 @@ char* accessHidePrefix(const Shell* shell, char* path);
 // Like a device node, if it stands for one.
 void accessPatchMode(const Access* access, mode_t* mode, dev_t* device);
 
+// ---- nodes
+
+// Index of the node behind a descriptor, or -1.
+int nodesFind(const Shell* shell, int fd);
+
+// Brings the files of nodes that come and go in line with the image. The lock is held.
+void nodesArrange(const Shell* shell);
+
+// Whether this process has a node of another device open; as SimCall.othersOpen.
+int nodesOthersOpen(SimCall* call, uint32_t owner);
+
+// ---- event queues
+
+// A new queue for the event_report at that path.
+int eventsOpen(const Shell* shell, const char* logical, int flags);
+
+// Empties all queues of a GPU.
+void eventsDrop(const Shell* shell, uint32_t gpuIndex);
+
 // ---- the functions behind the interposed ones
 
 void* shellNext(void** cache, const char* name);

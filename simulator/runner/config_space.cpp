@@ -58,12 +58,12 @@ std::string linkSpeedText(double speed) {
 
 std::string makeConfigSpace(const PciFunction& function) {
   std::string bytes(kConfigSize, '\0');
-  put(bytes, 0, 2, function.vendorId);
-  put(bytes, 2, 2, function.deviceId);
+  put(bytes, 0, 2, function.identity.vendorId);
+  put(bytes, 2, 2, function.identity.deviceId);
   put(bytes, 4, 2, 0x0006);  // memory decoding, bus master
   put(bytes, 6, 2, 0x0010);  // has a capability list
   put(bytes, 8, 1, function.revision);
-  put(bytes, 9, 3, function.classCode);
+  put(bytes, 9, 3, function.identity.classCode);
   putBars(bytes, function);
   put(bytes, 44, 2, function.subsystemVendorId);
   put(bytes, 46, 2, function.subsystemDeviceId);

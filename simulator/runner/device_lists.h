@@ -10,7 +10,11 @@ void checkLists(const JsonCursor& device);
 /// The same for one list of objects; null stands for no row.
 void checkRows(const JsonCursor& device, std::string_view key, const std::vector<std::string_view>& keys);
 
-/// Processes, displays and cores of the video engine. Returns the ids of the processes.
+/// The place of a text among `names`; a number stands for itself.
+uint64_t chooseFrom(const JsonCursor& place, const std::vector<std::string_view>& names);
+
+/// Processes, displays, fans, pages, and cores and sessions of the video engine. Returns the ids of the
+/// processes that are named.
 std::vector<uint64_t> setLists(const JsonCursor& device, CellMap& cells);
 
 #endif

@@ -2,8 +2,13 @@
 #ifndef GPU_READER_H
 #define GPU_READER_H
 
+#include <memory>
+#include <vector>
+
+#include "device_builder.h"
 #include "host.h"
 #include "json_cursor.h"
+#include "mpc_plan.h"
 
 /// Unknown keys, anywhere in a GPU entry or in "gpu_defaults", are errors.
 void checkGpuKeys(const JsonCursor& gpu);
@@ -16,20 +21,15 @@ class GpuReader {
   /// `defaults` is the host's "gpu_defaults"; `copy` counts from 0 in an entry that is repeated.
   void read(const JsonCursor& entry, const nlohmann::json& defaults, uint64_t copy);
 
- private:
-  struct Device;
+  /// After the last entry: nodes that are not there yet.
+  void finish();
 
-  void addNode(Device& device, const JsonCursor& gpu, uint64_t copy);
-  void addInstances(const Device& parent, size_t parentNode, const JsonCursor& mpc,
-                    const nlohmann::json& common);
-  void addProcesses(const std::vector<uint64_t>& pids);
-  uint32_t takeNumber(const JsonCursor& gpu, std::string_view key, uint64_t copy, std::vector<uint32_t>& used,
-                      uint32_t first) const;
+ private:
+  void checkAddress(const JsonCursor& entry, const PciFunction& function) const;
 
   Host& host;
-  std::vector<uint32_t> miscIds;
-  std::vector<uint32_t> cardIds;
-  std::vector<uint32_t> renderIds;
+  NumberPool pool;
+  std::vector<std::unique_ptr<MpcPlan>> plans;
 };
 
 #endif

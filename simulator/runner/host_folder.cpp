@@ -106,10 +106,7 @@ void HostFolder::prepare(const Host& host, const std::vector<FaultSpec>& faults)
 }
 
 void HostFolder::writeNew(const Host& host) {
-  if (mkdir((folder + "/tree").c_str(), 0755) != 0) {
-    throw HostError("cannot write " + folder + "/tree: " + std::strerror(errno));
-  }
-  TreeWriter(folder + "/tree").write(host);
+  TreeWriter(folder).write(host);
   // Of this folder alone, and short enough for the launcher.
   writeFile(folder + kCanary,
             std::to_string(getpid()) + " " + folder.substr(folder.rfind('/')).substr(0, 40));
@@ -130,8 +127,7 @@ void HostFolder::writePackages(const Host& host) const {
 
 void HostFolder::writeImage(const Host& host, const std::vector<FaultSpec>& faults) const {
   const std::string path = folder + "/image";
-  std::string image =
-      makeImage(host, TreeWriter::nodeFiles(folder + "/tree", host), faults, TreeWriter::removedPaths(host));
+  std::string image = makeImage(host, TreeWriter::pathsOf(folder, host), faults);
   const FileLock lock(path);
   if (hasHost()) {
     const std::string kept = readFile(path);

@@ -1,5 +1,6 @@
-// The folder of one simulated host: "tree" with its files, "image" with its devices, "packages" with
-// what the package tools answer. A private one goes when the run is over.
+// The folder of one simulated host: "tree" with its files, "parked" with those of nodes that are not there
+// now, "events" with its event queues, "image" with its devices, "packages" with what the package tools
+// answer. A private one goes when the run is over.
 #ifndef HOST_FOLDER_H
 #define HOST_FOLDER_H
 

@@ -1,12 +1,13 @@
 #include "host_reader.h"
 
 #include <algorithm>
-#include <ctime>
 
+#include "event_reader.h"
 #include "gpu_reader.h"
 #include "hints.h"
 #include "json_cursor.h"
 #include "sim_records.h"
+#include "topology_reader.h"
 
 using nlohmann::json;
 
@@ -15,9 +16,10 @@ namespace {
 constexpr uint32_t kFirstRenderInterface = 100000;
 
 const std::vector<std::string_view> kHostKeys{
-    "description",     "driver_loaded", "driver_mode", "driver_version", "vpu",  "protocol",
-    "render_protocol", "interfaces",    "time",        "gpu_defaults",   "gpus", "processes",
-    "packages",        "files",         "links",       "faults"};
+    "description", "driver_loaded",   "driver_mode", "driver_version", "vpu",
+    "protocol",    "render_protocol", "interfaces",  "time",           "gpu_defaults",
+    "gpus",        "processes",       "packages",    "files",          "links",
+    "faults",      "sablink",         "adapters",    "bridges",        "xid_records"};
 
 // The paths that the preload library sends to the host.
 constexpr std::string_view kHostPaths[] = {"/sys/", "/proc/", "/dev/", "/var/log/ovgpu/", "/etc/ovparams"};
@@ -120,20 +122,6 @@ void readInterfaces(const JsonCursor& top, Host& host) {
     }
   }
   for (const auto& [name, range] : listed) addListed(host, range);
-}
-
-void readTime(const JsonCursor& top, Host& host) {
-  const auto time = top.find("time");
-  if (!time) return;
-  if (time->value().is_number_unsigned()) {
-    host.time = static_cast<int64_t>(time->whole(0, uint64_t{1} << 40));
-    return;
-  }
-  std::tm parts{};
-  const std::string text = time->value().is_string() ? time->text() : std::string();
-  const char* const end = strptime(text.c_str(), "%Y-%m-%d %H:%M:%S", &parts);
-  if (!end || *end != '\0') time->fail("seconds since the epoch, or UTC as \"2025-11-20 17:40:12\"");
-  host.time = timegm(&parts);
 }
 
 void readDriver(const JsonCursor& top, Host& host) {
@@ -250,6 +238,7 @@ void readGpus(const JsonCursor& top, Host& host) {
       reader.read(gpu, defaults ? defaults->value() : json::object(), copy);
     }
   }
+  reader.finish();
 }
 
 }  // namespace
@@ -263,8 +252,12 @@ Host readHost(const HostDocument& document) {
   readDriver(top, host);
   readProtocol(top, host);
   readInterfaces(top, host);
-  readTime(top, host);
+  if (const auto time = top.find("time")) host.time = time->moment();
   readGpus(top, host);
+  readSablink(top, host);
+  readAdapters(top, host);
+  readBridges(top, host);
+  readOldRecords(top, host);
   readFiles(top, host);
   readProcesses(top, host);
   readPackages(top, host);

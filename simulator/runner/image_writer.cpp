@@ -60,6 +60,8 @@ class CellBuilder {
     made.kind = static_cast<uint8_t>(cell.kind);
     made.cycle = cell.cycle;
     made.number = cell.number;
+    made.initial = cell.number;
+    made.initialKind = made.kind;
     if (cell.kind == SIM_CELL_BLOB) {
       made.length = static_cast<uint32_t>(cell.blob.size());
       made.offset = builder.addBytes(cell.blob);
@@ -80,7 +82,44 @@ std::vector<SimListed> listedOf(const std::vector<ListedInterface>& listed) {
   return rows;
 }
 
-std::vector<SimNode> makeNodes(const Host& host, const std::vector<NodeFile>& files, CellBuilder& cells) {
+// The cells of a device are in a row; returns the first.
+SimTable addCells(const CellMap& map, CellBuilder& cells) {
+  const SimTable range{static_cast<uint32_t>(cells.cells.size()), static_cast<uint32_t>(map.size())};
+  cells.add(map);
+  return range;
+}
+
+// A GPU whose MPC mode can change has cells for each state; its nodes show those of the current one.
+std::vector<SimFace> makeFaces(const Host& host, CellBuilder& cells) {
+  std::vector<SimFace> rows;
+  for (const Face& face : host.faces) {
+    const SimTable range = addCells(face.cells, cells);
+    SimFace row{};
+    row.gpu = static_cast<uint32_t>(face.gpu);
+    row.state = face.state;
+    row.node = static_cast<uint32_t>(face.node);
+    row.kind = face.kind;
+    row.cellFirst = range.offset;
+    row.cellCount = range.count;
+    rows.push_back(row);
+    for (const size_t node : face.graphics) {
+      row.node = static_cast<uint32_t>(node);
+      row.kind = host.nodes[node].kind;
+      rows.push_back(row);
+    }
+  }
+  return rows;
+}
+
+const SimFace* currentFace(const Host& host, const std::vector<SimFace>& faces, size_t node) {
+  for (const SimFace& face : faces) {
+    if (face.node == node && face.state == host.functions[face.gpu].mpcState) return &face;
+  }
+  return nullptr;
+}
+
+std::vector<SimNode> makeNodes(const Host& host, const std::vector<NodeFile>& files,
+                               const std::vector<SimFace>& faces, CellBuilder& cells) {
   std::vector<SimNode> nodes;
   for (size_t i = 0; i < host.nodes.size(); ++i) {
     const Node& node = host.nodes[i];
@@ -88,12 +127,19 @@ std::vector<SimNode> makeNodes(const Host& host, const std::vector<NodeFile>& fi
     made.kind = node.kind;
     made.number = node.number;
     made.owner = static_cast<uint32_t>(node.owner);
+    made.gpu = static_cast<uint32_t>(node.gpu);
+    made.present = node.present;
     made.device = files[i].device;
     made.inode = files[i].inode;
-    if (node.owner == i) {
-      made.cellFirst = static_cast<uint32_t>(cells.cells.size());
-      made.cellCount = static_cast<uint32_t>(node.cells.size());
-      cells.add(node.cells);
+    const SimFace* const face = currentFace(host, faces, i);
+    if (face) {
+      made.kind = face->kind;
+      made.cellFirst = face->cellFirst;
+      made.cellCount = face->cellCount;
+    } else if (node.owner == i) {
+      const SimTable range = addCells(node.cells, cells);
+      made.cellFirst = range.offset;
+      made.cellCount = range.count;
     } else {
       made.cellFirst = nodes[node.owner].cellFirst;
       made.cellCount = nodes[node.owner].cellCount;
@@ -101,6 +147,14 @@ std::vector<SimNode> makeNodes(const Host& host, const std::vector<NodeFile>& fi
     nodes.push_back(made);
   }
   return nodes;
+}
+
+std::vector<SimGpu> makeGpus(const Host& host) {
+  std::vector<SimGpu> gpus;
+  for (const PciFunction& function : host.functions) {
+    gpus.push_back({static_cast<uint32_t>(function.ownNode), function.mpcState});
+  }
+  return gpus;
 }
 
 std::vector<SimFault> makeFaults(const std::vector<FaultSpec>& specs, ImageBuilder& builder) {
@@ -123,8 +177,7 @@ SimImage headOf(const std::string& image) {
 
 }  // namespace
 
-std::string makeImage(const Host& host, const std::vector<NodeFile>& files,
-                      const std::vector<FaultSpec>& faults, const std::vector<std::string>& removed) {
+std::string makeImage(const Host& host, const HostPaths& paths, const std::vector<FaultSpec>& faults) {
   ImageBuilder builder;
   CellBuilder cells(builder);
   SimImage head{};
@@ -136,30 +189,69 @@ std::string makeImage(const Host& host, const std::vector<NodeFile>& files,
   head.loaded = host.loaded;
   head.fixedTime = host.time.has_value();
   head.time = host.time.value_or(0);
-  const std::vector<SimNode> nodes = makeNodes(host, files, cells);
+  const std::vector<SimFace> faces = makeFaces(host, cells);
+  const std::vector<SimNode> nodes = makeNodes(host, paths.files, faces, cells);
   head.nodes = builder.addTable(nodes);
+  head.gpus = builder.addTable(makeGpus(host));
+  head.faces = builder.addTable(faces);
+  head.sessions = builder.addTable(std::vector<SimSession>(SIM_SESSION_COUNT));
   head.cells = builder.addTable(cells.cells);
   head.steps = builder.addTable(cells.steps);
   head.listed = builder.addTable(listedOf(host.listed));
   head.renderListed = builder.addTable(listedOf(host.renderListed));
+  std::vector<SimNodePath> nodePaths;
+  for (const NodePath& one : paths.nodePaths) {
+    nodePaths.push_back({static_cast<uint32_t>(one.node), builder.addText(one.path)});
+  }
+  head.nodePaths = builder.addTable(nodePaths);
   const std::vector<SimFault> faultRows = makeFaults(faults, builder);
   head.faults = builder.addTable(faultRows);
   std::vector<uint32_t> removedRows;
-  for (const std::string& path : removed) removedRows.push_back(builder.addText(path));
+  for (const std::string& path : paths.removed) removedRows.push_back(builder.addText(path));
   head.removed = builder.addTable(removedRows);
   return builder.finish(head);
 }
 
+namespace {
+
+template <class Row>
+bool fits(SimTable from, SimTable to, size_t size) {
+  return from.count == to.count && from.offset == to.offset && from.offset + sizeof(Row) * from.count <= size;
+}
+
+template <class Row>
+void carryTable(const std::string& from, std::string& to, SimTable table) {
+  std::memcpy(to.data() + table.offset, from.data() + table.offset, sizeof(Row) * table.count);
+}
+
+// A device that a fault removed is back in the next run.
+void carryNodes(const std::string& from, std::string& to, SimTable table) {
+  for (uint32_t i = 0; i < table.count; ++i) {
+    const size_t at = table.offset + sizeof(SimNode) * i;
+    SimNode node{};
+    std::memcpy(&node, from.data() + at, sizeof node);
+    node.gone = 0;
+    std::memcpy(to.data() + at, &node, sizeof node);
+  }
+}
+
+}  // namespace
+
 bool carryState(const std::string& from, std::string& to) {
   const SimImage old = headOf(from);
   SimImage head = headOf(to);
-  const uint64_t size = uint64_t{old.cells.count} * sizeof(SimCell);
-  const bool fits = old.magic == SIM_IMAGE_MAGIC && old.layout == SIM_IMAGE_LAYOUT &&
-                    old.hostHash == head.hostHash && old.cells.count == head.cells.count &&
-                    old.cells.offset == head.cells.offset && old.cells.offset + size <= from.size();
-  if (!fits) return false;
-  std::memcpy(to.data() + head.cells.offset, from.data() + old.cells.offset, size);
+  const bool isSame = old.magic == SIM_IMAGE_MAGIC && old.layout == SIM_IMAGE_LAYOUT &&
+                      old.hostHash == head.hostHash && fits<SimNode>(old.nodes, head.nodes, from.size()) &&
+                      fits<SimGpu>(old.gpus, head.gpus, from.size()) &&
+                      fits<SimSession>(old.sessions, head.sessions, from.size()) &&
+                      fits<SimCell>(old.cells, head.cells, from.size());
+  if (!isSame) return false;
+  carryNodes(from, to, head.nodes);
+  carryTable<SimGpu>(from, to, head.gpus);
+  carryTable<SimSession>(from, to, head.sessions);
+  carryTable<SimCell>(from, to, head.cells);
   head.calls = old.calls;
+  head.lastSession = old.lastSession;
   std::memcpy(to.data(), &head, sizeof head);
   return true;
 }

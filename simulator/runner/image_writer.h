@@ -14,10 +14,21 @@ struct NodeFile {
   uint64_t inode = 0;
 };
 
-/// The bytes of the image. `files` are those of `host.nodes`, in order; `removed` are paths that the
-/// program must not find although the machine has them.
-std::string makeImage(const Host& host, const std::vector<NodeFile>& files,
-                      const std::vector<FaultSpec>& faults, const std::vector<std::string>& removed);
+/// A path that comes and goes with a node of the host.
+struct NodePath {
+  size_t node;
+  std::string path;
+};
+
+/// What the image has to know of the files of a host.
+struct HostPaths {
+  std::vector<NodeFile> files;       // those of `host.nodes`, in order
+  std::vector<NodePath> nodePaths;   // of the nodes that can come and go
+  std::vector<std::string> removed;  // what the program must not find although the machine has it
+};
+
+/// The bytes of the image.
+std::string makeImage(const Host& host, const HostPaths& paths, const std::vector<FaultSpec>& faults);
 
 /// Takes over what commands changed: values, positions in sequences, the number of calls. Both images
 /// must come from one description; false, and nothing done, when they don't.

@@ -1,6 +1,7 @@
 #include "json_cursor.h"
 
 #include <charconv>
+#include <ctime>
 
 #include "hints.h"
 #include "host_error.h"
@@ -98,6 +99,15 @@ uint64_t JsonCursor::number() const {
     if (const auto number = numberFromText(place->get_ref<const std::string&>())) return *number;
   }
   fail("a whole number, or a text such as \"0x1f\" or \"16GiB\"");
+}
+
+int64_t JsonCursor::moment() const {
+  if (place->is_number_unsigned()) return static_cast<int64_t>(whole(0, uint64_t{1} << 40));
+  std::tm parts{};
+  const std::string written = place->is_string() ? text() : std::string();
+  const char* const end = strptime(written.c_str(), "%Y-%m-%d %H:%M:%S", &parts);
+  if (!end || *end != '\0') fail("seconds since the epoch, or UTC as \"2025-11-20 17:40:12\"");
+  return timegm(&parts);
 }
 
 std::string JsonCursor::where() const {

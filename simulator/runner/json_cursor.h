@@ -36,6 +36,9 @@ class JsonCursor {
   bool flag() const;
   uint64_t whole(uint64_t lowest, uint64_t highest) const;
 
+  /// A time in seconds since the epoch: so many, or UTC as "2025-11-20 17:40:12".
+  int64_t moment() const;
+
   /// A whole number, or text: "0x" and digits, or a number and one of KiB, MiB, GiB.
   uint64_t number() const;
 

@@ -1,11 +1,11 @@
 #include "mpc_reader.h"
 
+#include <algorithm>
+
 #include "device_lists.h"
 #include "value_reader.h"
 
 namespace {
-
-constexpr uint32_t kNoConfiguration = 0xFFFF;
 
 void setProfileRow(CellMap& cells, const JsonCursor& profile, SimValue id, SimValue name, SimValue cores,
                    SimValue memory, uint64_t idBits, uint64_t key) {
@@ -32,27 +32,28 @@ void setConfiguration(CellMap& cells, const JsonCursor& configuration, SimValue 
   setArray(cells, profiles, ids, key);
 }
 
-// The configuration that is set; nothing when none is.
-std::optional<JsonCursor> currentConfiguration(const JsonCursor& mpc) {
-  const auto current = mpc.find("current");
-  if (!current || current->value().is_null()) return std::nullopt;
-  const uint64_t id = current->whole(0, 65534);
+std::optional<JsonCursor> configurationOf(const JsonCursor& mpc, uint32_t state) {
   for (const JsonCursor& configuration : mpc.require("configurations").elements()) {
-    if (configuration.require("id").whole(0, 65534) == id) return configuration;
+    if (configuration.require("id").whole(0, 65534) == state) return configuration;
   }
-  current->fail("the id of one of the configurations");
+  return std::nullopt;
 }
 
 }  // namespace
 
 void checkMpcKeys(const JsonCursor& mpc) {
-  mpc.allowKeys({"profiles", "configurations", "current", "instances"});
+  mpc.allowKeys(
+      {"enabled", "profiles", "configurations", "current", "instances", "plain_values", "parent_values"});
+  for (const char* const key : {"plain_values", "parent_values"}) {
+    if (const auto values = mpc.find(key)) checkValueNames(*values);
+  }
   checkRows(mpc, "profiles", {"id", "name", "cores", "memory"});
   checkRows(mpc, "configurations", {"id", "name", "profiles"});
   const auto instances = mpc.find("instances");
   if (!instances) return;
   for (const JsonCursor& instance : instances->elements()) {
-    instance.allowKeys({"profile", "misc", "card", "render", "values", "processes", "displays", "vpu_cores"});
+    instance.allowKeys({"profile", "misc", "card", "render", "values", "processes", "displays", "vpu_cores",
+                        "vpu_sessions"});
     checkLists(instance);
   }
 }
@@ -70,15 +71,54 @@ void setMpcLists(const JsonCursor& mpc, CellMap& cells) {
                      SIM_CONFIGURATION_SIZE, SIM_CONFIGURATION_PROFILES, SIM_KEY(0, 0, 0, row++));
   }
   setNumber(cells, SIM_CONFIGURATION_COUNT, row);
-  if (const auto current = currentConfiguration(mpc)) {
+}
+
+void setCurrent(const JsonCursor& mpc, uint32_t state, CellMap& cells) {
+  if (const auto current = configurationOf(mpc, state)) {
     setConfiguration(cells, *current, SIM_CURRENT_ID, SIM_CURRENT_NAME, SIM_CURRENT_SIZE,
                      SIM_CURRENT_PROFILES, 0);
   } else {
-    setNumber(cells, SIM_CURRENT_ID, kNoConfiguration);
+    setNumber(cells, SIM_CURRENT_ID, SIM_MPC_UNSET);
     setText(cells, SIM_CURRENT_NAME, "");
     setNumber(cells, SIM_CURRENT_SIZE, 0);
     setArray(cells, SIM_CURRENT_PROFILES, {});
   }
+}
+
+uint32_t currentState(const JsonCursor& mpc) {
+  const auto enabled = mpc.find("enabled");
+  const auto current = mpc.find("current");
+  const bool isSet = current && !current->value().is_null();
+  if (enabled && !enabled->flag()) {
+    if (isSet) current->failWith("the mode is not enabled, so no configuration is set");
+    if (const auto instances = mpc.find("instances")) {
+      instances->failWith("the mode is not enabled, so there are no instances");
+    }
+    return SIM_MPC_OFF;
+  }
+  if (!isSet) return SIM_MPC_UNSET;
+  const auto id = static_cast<uint32_t>(current->whole(0, 65534));
+  if (!configurationOf(mpc, id)) current->fail("the id of one of the configurations");
+  return id;
+}
+
+std::vector<uint32_t> configurationIds(const JsonCursor& mpc) {
+  std::vector<uint32_t> ids;
+  for (const JsonCursor& configuration : mpc.require("configurations").elements()) {
+    const JsonCursor place = configuration.require("id");
+    const auto id = static_cast<uint32_t>(place.whole(0, 65534));
+    if (std::find(ids.begin(), ids.end(), id) != ids.end())
+      place.failWith("the id is taken by another configuration");
+    ids.push_back(id);
+  }
+  return ids;
+}
+
+bool hasProfile(const JsonCursor& mpc, uint64_t id) {
+  for (const JsonCursor& profile : mpc.require("profiles").elements()) {
+    if (profile.require("id").whole(0, 255) == id) return true;
+  }
+  return false;
 }
 
 JsonCursor profileById(const JsonCursor& mpc, uint64_t id, const JsonCursor& asked) {
@@ -88,9 +128,9 @@ JsonCursor profileById(const JsonCursor& mpc, uint64_t id, const JsonCursor& ask
   asked.failWith("there is no profile " + std::to_string(id) + " among mpc.profiles");
 }
 
-std::vector<uint32_t> currentProfiles(const JsonCursor& mpc) {
-  const auto current = currentConfiguration(mpc);
-  return current ? profileIdsOf(*current) : std::vector<uint32_t>();
+std::vector<uint32_t> profilesOf(const JsonCursor& mpc, uint32_t state) {
+  const auto configuration = configurationOf(mpc, state);
+  return configuration ? profileIdsOf(*configuration) : std::vector<uint32_t>();
 }
 
 void setOwnProfile(const JsonCursor& profile, uint64_t index, CellMap& cells) {

@@ -8,11 +8,20 @@
 /// Unknown keys are errors.
 void checkMpcKeys(const JsonCursor& mpc);
 
-/// What the parent's node answers.
-void setMpcLists(const JsonCursor& mpc, CellMap& cells);
+/// The state that the GPU is in, as SimGpu.mpcState.
+uint32_t currentState(const JsonCursor& mpc);
 
-/// One profile id for each instance of the configuration that is set; none when none is.
-std::vector<uint32_t> currentProfiles(const JsonCursor& mpc);
+std::vector<uint32_t> configurationIds(const JsonCursor& mpc);
+
+/// Profiles and configurations, as the parent's node answers.
+void setMpcLists(const JsonCursor& mpc, CellMap& cells);
+/// The configuration that is set.
+void setCurrent(const JsonCursor& mpc, uint32_t state, CellMap& cells);
+
+/// One profile id for each instance of a state that is the id of a configuration; else none.
+std::vector<uint32_t> profilesOf(const JsonCursor& mpc, uint32_t state);
+
+bool hasProfile(const JsonCursor& mpc, uint64_t id);
 
 /// Throws, in the name of `asked`, when there is no such profile.
 JsonCursor profileById(const JsonCursor& mpc, uint64_t id, const JsonCursor& asked);

@@ -29,7 +29,7 @@ std::vector<std::string> defaultUpstream(const PciAddress& address) {
   return {root, PciAddress{address.domain, firstBus, address.bus - firstBus, 0}.text()};
 }
 
-std::vector<std::string> readUpstream(const JsonCursor& upstream) {
+std::vector<std::string> readPath(const JsonCursor& upstream) {
   std::vector<std::string> path;
   for (const JsonCursor& bridge : upstream.elements()) {
     const std::string name = bridge.text();
@@ -68,12 +68,25 @@ void readBars(const JsonCursor& gpu, PciFunction& function) {
   }
 }
 
-// Bits of a list such as "0-3,8".
-bool isCpuList(const std::string& text) {
-  return text.find_first_not_of("0123456789,-") == std::string::npos;
+}  // namespace
+
+int readNumaNode(const JsonCursor& place) {
+  if (!place.value().is_number_integer() || place.value().get<int64_t>() < -1) {
+    place.fail("a NUMA node, or -1");
+  }
+  return place.value().get<int>();
 }
 
-}  // namespace
+std::string readCpus(const JsonCursor& place) {
+  const bool isList = place.text().find_first_not_of("0123456789,-") == std::string::npos;
+  if (!isList) place.fail("a list of CPUs such as \"0-15,32-47\"");
+  return place.text();
+}
+
+std::vector<std::string> readUpstream(const JsonCursor& entry, const PciAddress& address) {
+  const auto upstream = entry.find("upstream");
+  return upstream ? readPath(*upstream) : defaultUpstream(address);
+}
 
 std::string PciAddress::text() const {
   char out[40];
@@ -122,10 +135,9 @@ PciFunction readFunction(const JsonCursor& gpu, uint64_t copy, size_t index) {
   PciFunction function;
   const Model model = readModel(gpu);
   const PciAddress address = readAddress(gpu, copy, index);
-  function.address = address.text();
-  const auto upstream = gpu.find("upstream");
-  function.upstream = upstream ? readUpstream(*upstream) : defaultUpstream(address);
-  function.deviceId = model.deviceId;
+  function.place.address = address.text();
+  function.place.upstream = readUpstream(gpu, address);
+  function.identity.deviceId = model.deviceId;
   function.subsystemDeviceId = model.deviceId;
   if (const auto subsystem = gpu.find("subsystem")) {
     if (const auto vendor = subsystem->find("vendor")) {
@@ -135,18 +147,14 @@ PciFunction readFunction(const JsonCursor& gpu, uint64_t copy, size_t index) {
       function.subsystemDeviceId = static_cast<uint16_t>(device->number());
     }
   }
-  function.classCode = static_cast<uint32_t>(gpu.require("class").number() & 0xFFFFFF);
+  function.identity.classCode = static_cast<uint32_t>(gpu.require("class").number() & 0xFFFFFF);
   function.revision = static_cast<uint8_t>(gpu.require("revision").whole(0, 255));
   const JsonCursor link = gpu.require("link");
   function.current = readLink(link, "speed", "width");
   function.highest = readLink(link, "max_speed", "max_width");
   function.hasPcieCapability = gpu.require("pcie_capability").flag();
-  const JsonCursor numa = gpu.require("numa_node");
-  if (!numa.value().is_number_integer() || numa.value().get<int64_t>() < -1) numa.fail("a NUMA node, or -1");
-  function.numaNode = numa.value().get<int>();
-  const JsonCursor cpus = gpu.require("cpus");
-  if (!isCpuList(cpus.text())) cpus.fail("a list of CPUs such as \"0-15,32-47\"");
-  function.cpus = cpus.text();
+  function.place.numaNode = readNumaNode(gpu.require("numa_node"));
+  function.place.cpus = readCpus(gpu.require("cpus"));
   if (const auto physfn = gpu.find("physfn")) function.isVirtualFunction = physfn->flag();
   readBars(gpu, function);
   placeBars(function, index);

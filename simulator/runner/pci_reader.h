@@ -24,6 +24,12 @@ std::optional<PciAddress> parseAddress(const std::string& text);
 Model readModel(const JsonCursor& gpu);
 Family familyOf(const Model& model);
 
+int readNumaNode(const JsonCursor& place);
+/// A list of CPUs.
+std::string readCpus(const JsonCursor& place);
+/// What the entry's "upstream" says, or a root port of the host bridge that has the address.
+std::vector<std::string> readUpstream(const JsonCursor& entry, const PciAddress& address);
+
 /// Everything but the numbers of nodes. `copy` counts the copies of a repeated entry, `index` the functions
 /// of the host, both from 0.
 PciFunction readFunction(const JsonCursor& gpu, uint64_t copy, size_t index);

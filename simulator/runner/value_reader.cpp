@@ -213,6 +213,10 @@ void checkValueNames(const JsonCursor& values) {
   for (const auto& [name, place] : values.members()) indexOf(place, name);
 }
 
+void readValue(const JsonCursor& place, SimValue value, uint64_t key, CellMap& cells) {
+  cells[{static_cast<uint16_t>(value), key}] = readCell(place, kDefinitions[value].type);
+}
+
 void setNumber(CellMap& cells, SimValue value, uint64_t number, uint64_t key) {
   cells[{static_cast<uint16_t>(value), key}] = Cell{.number = number};
 }

@@ -21,6 +21,9 @@ void checkValueNames(const JsonCursor& values);
 /// Whether an object is one value ({"status": 5} and its like) and not values by key.
 bool isSingleValue(const nlohmann::json& value);
 
+/// One value under one key.
+void readValue(const JsonCursor& place, SimValue value, uint64_t key, CellMap& cells);
+
 void setNumber(CellMap& cells, SimValue value, uint64_t number, uint64_t key = 0);
 void setText(CellMap& cells, SimValue value, std::string text, uint64_t key = 0);
 void setArray(CellMap& cells, SimValue value, const std::vector<uint32_t>& numbers, uint64_t key = 0);

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "efuse.h"
+#include "pci_tree.h"
 #include "test_driver.h"
-#include "tree_writer.h"
 
 namespace {
 

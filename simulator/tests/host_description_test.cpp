@@ -88,24 +88,24 @@ TEST(SimDescription, UnknownModelListsTheKnownOnes) {
 TEST(SimDescription, GpusGetAddressesAndNumbersOfTheirOwn) {
   const Host host = hostFromText(R"({"gpus": [{"model": "B250A", "repeat": 18}]})");
   ASSERT_EQ(host.functions.size(), 18u);
-  EXPECT_EQ(host.functions[0].address, "0000:01:00.0");
-  EXPECT_EQ(host.functions[1].address, "0000:11:00.0");
-  EXPECT_EQ(host.functions[16].address, "0001:01:00.0");
+  EXPECT_EQ(host.functions[0].place.address, "0000:01:00.0");
+  EXPECT_EQ(host.functions[1].place.address, "0000:11:00.0");
+  EXPECT_EQ(host.functions[16].place.address, "0001:01:00.0");
   EXPECT_EQ(host.functions[17].miscIds, std::vector<uint32_t>{17});
   EXPECT_EQ(host.functions[17].renderIds, std::vector<uint32_t>{145});
-  EXPECT_EQ(host.functions[1].upstream, (std::vector<std::string>{"pci0000:10", "0000:10:01.0"}));
+  EXPECT_EQ(host.functions[1].place.upstream, (std::vector<std::string>{"pci0000:10", "0000:10:01.0"}));
 }
 
 TEST(SimDescription, RepeatedAddressCountsItsBusUp) {
   const Host host = hostFromText(R"({"gpus": [{"model": "B250A", "address": "0000:41:00.0", "repeat": 3}]})");
-  EXPECT_EQ(host.functions[2].address, "0000:43:00.0");
-  EXPECT_EQ(host.functions[2].upstream.front(), "pci0000:40");
+  EXPECT_EQ(host.functions[2].place.address, "0000:43:00.0");
+  EXPECT_EQ(host.functions[2].place.upstream.front(), "pci0000:40");
 }
 
 TEST(SimDescription, DeviceIdDecidesOnTheFamily) {
   const Host host = hostFromText(R"({"gpus": [{"device_id": "0x010F"}, {"device_id": "0x0599"}]})");
-  EXPECT_EQ(host.functions[0].deviceId, 0x010F);
-  EXPECT_EQ(host.functions[1].deviceId, 0x0599);
+  EXPECT_EQ(host.functions[0].identity.deviceId, 0x010F);
+  EXPECT_EQ(host.functions[1].identity.deviceId, 0x0599);
 }
 
 TEST(SimDescription, DefaultsOfAllGpusGiveWayToTheEntry) {
@@ -173,7 +173,7 @@ TEST_F(SimLibraryOfHosts, HostThatExtendsAnotherPatchesItsGpus) {
   const Host host = load("more");
   EXPECT_EQ(host.time, 5);
   EXPECT_EQ(host.driverMode, "0");
-  EXPECT_EQ(host.functions[1].deviceId, 0x0230);
+  EXPECT_EQ(host.functions[1].identity.deviceId, 0x0230);
   EXPECT_EQ(host.nodes[0].cells.at({SIM_PSTATE, 0}).number, 3u);
   EXPECT_EQ(host.nodes[0].cells.at({SIM_UTILIZATION, 0}).number, 9u);
 }

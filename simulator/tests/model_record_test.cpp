@@ -255,14 +255,15 @@ TEST_F(SimRecord1, RetiredPages) {
 }
 
 TEST_F(SimRecord1, Sablink) {
-  TestDriver driver(tor1With(R"("sablink_capable": 1, "sablink_links": 4, "sablink_speed": 25000,
+  TestDriver driver(R"({"gpus": [{"model": "B250A", "misc": 9}, {"model": "B250A", "misc": 3, "values": {
+      "sablink_capable": 1, "sablink_links": 4, "sablink_speed": 25000,
       "sablink_version": 200, "sablink_state": {"0": 1, "3": {"status": 11}},
       "sablink_capability": {"2,1": 1}, "sablink_errors": {"2,5": 77},
       "sablink_remote_address": {"1": "0x410000"}, "sablink_remote_link": {"1": 6},
       "sablink_remote_misc_id": {"1": 9}, "sablink_layout_count": {"9": 2},
       "sablink_local_port": {"9,0": 0, "9,1": 1}, "sablink_remote_port": {"9,0": 5, "9,1": 6},
       "sablink_path_count": {"9": 1}, "sablink_path_length": {"9,0": 3},
-      "sablink_path_devices": {"9,0": [3, 7, 9]})"));
+      "sablink_path_devices": {"9,0": [3, 7, 9]}}}]})");
   const Record spec = ask(driver, 17, 2, 28);
   EXPECT_EQ(spec.get(0, 4), 4u);
   EXPECT_EQ(spec.get(4, 4), 25000u);

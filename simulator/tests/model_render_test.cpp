@@ -71,7 +71,8 @@ TEST(SimRender, UtilisationAndClock) {
 }
 
 TEST(SimRender, InlineFormHasTheReplyBehindTheArguments) {
-  TestDriver driver(kFen1);
+  TestDriver driver(R"({"interfaces": {"100000": 1}, "gpus": [{"model": "B230", "values": {
+      "vpu_utilization": [10, 20, 30, 40]}}]})");
   Record record = Record(160, 0xAA).put(0, 2, 0).put(2, 2, 0).put(4, 4, 0);
   ASSERT_EQ(driver.ioctl("renderD128", kInline, record), 0);
   EXPECT_EQ(record.get(8, 4), 10u);

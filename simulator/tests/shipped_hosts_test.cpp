@@ -20,10 +20,10 @@ TEST(SimShippedHosts, AllAreValidAndDescribed) {
 }
 
 TEST(SimShippedHosts, OneOfEachFamily) {
-  EXPECT_EQ(shipped("wold").functions.at(0).deviceId >> 8, 1);
-  EXPECT_EQ(shipped("fen1").functions.at(0).deviceId >> 8, 2);
-  EXPECT_EQ(shipped("fen2").functions.at(0).deviceId >> 8, 3);
-  EXPECT_EQ(shipped("tor1").functions.at(0).deviceId >> 8, 4);
+  EXPECT_EQ(shipped("wold").functions.at(0).identity.deviceId >> 8, 1);
+  EXPECT_EQ(shipped("fen1").functions.at(0).identity.deviceId >> 8, 2);
+  EXPECT_EQ(shipped("fen2").functions.at(0).identity.deviceId >> 8, 3);
+  EXPECT_EQ(shipped("tor1").functions.at(0).identity.deviceId >> 8, 4);
 }
 
 TEST(SimShippedHosts, SizesAndKinds) {
@@ -32,7 +32,7 @@ TEST(SimShippedHosts, SizesAndKinds) {
   EXPECT_FALSE(shipped("unloaded").nodes.empty());
   EXPECT_FALSE(shipped("unloaded").loaded);
   EXPECT_EQ(shipped("server").functions.size(), 8u);
-  EXPECT_EQ(shipped("server").functions.back().numaNode, 1);
+  EXPECT_EQ(shipped("server").functions.back().place.numaNode, 1);
   EXPECT_EQ(shipped("rack").functions.size(), 64u);
   EXPECT_EQ(shipped("ancient").protocol, SIM_PROTOCOL_NONE);
   EXPECT_EQ(shipped("legacy").protocol, SIM_PROTOCOL_0);
@@ -45,8 +45,8 @@ TEST(SimShippedHosts, SizesAndKinds) {
 TEST(SimShippedHosts, MpcHasAPlainGpuAndAParentWithTwoInstances) {
   const Host host = shipped("mpc");
   ASSERT_EQ(host.functions.size(), 2u);
-  EXPECT_EQ(host.functions[0].deviceId, 0x0410);
-  EXPECT_EQ(host.functions[1].deviceId, 0x0330);
+  EXPECT_EQ(host.functions[0].identity.deviceId, 0x0410);
+  EXPECT_EQ(host.functions[1].identity.deviceId, 0x0330);
   EXPECT_EQ(host.functions[1].miscIds, (std::vector<uint32_t>{1, 2, 3}));
   EXPECT_EQ(shipped("mpc-wide").functions[1].miscIds, (std::vector<uint32_t>{1, 2}));
 }

@@ -54,7 +54,7 @@ TestDriver::TestDriver(const std::string& json, const std::vector<std::string>& 
   const Host host = hostFromText(json);
   std::vector<FaultSpec> specs;
   for (const std::string& fault : faults) specs.push_back(parseFault(fault));
-  const std::string made = makeImage(host, std::vector<NodeFile>(host.nodes.size()), specs, {});
+  const std::string made = makeImage(host, {std::vector<NodeFile>(host.nodes.size()), {}, {}}, specs);
   bytes.resize((made.size() + 7) / 8);
   std::memcpy(bytes.data(), made.data(), made.size());
   for (const Node& node : host.nodes) {
@@ -65,12 +65,18 @@ TestDriver::TestDriver(const std::string& json, const std::vector<std::string>& 
   }
 }
 
+int TestDriver::othersOpen(SimCall* call, uint32_t) {
+  return static_cast<OwnCall*>(call)->driver->othersAreOpen;
+}
+
 int TestDriver::ioctl(const std::string& name, uint32_t request, Record& record) {
   size_t index = 0;
   while (index < names.size() && names[index] != name) ++index;
   if (index == names.size()) throw std::out_of_range("no node " + name);
   lastCall.readMemory = readMemory;
   lastCall.writeMemory = writeMemory;
+  lastCall.othersOpen = othersOpen;
+  lastCall.driver = this;
   lastCall.node = static_cast<uint32_t>(index);
   lastCall.request = request;
   lastCall.argument = reinterpret_cast<uint64_t>(record.bytes.data());

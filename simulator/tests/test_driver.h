@@ -38,13 +38,22 @@ class TestDriver {
   /// The same with a payload of zeros.
   int call(const std::string& name, unsigned interfaceName, unsigned version, size_t size, Record& payload);
 
+  /// What the shell would tell of nodes of other devices.
+  bool othersAreOpen = false;
+
   const SimCall& last() const { return lastCall; }
   SimImage* image() { return reinterpret_cast<SimImage*>(bytes.data()); }
 
  private:
   std::vector<uint64_t> bytes;  // aligned for what the image holds
   std::vector<std::string> names;
-  SimCall lastCall{};
+  // The call knows its driver by its place in it.
+  struct OwnCall : SimCall {
+    TestDriver* driver;
+  };
+  static int othersOpen(SimCall* call, uint32_t owner);
+
+  OwnCall lastCall{};
 };
 
 #endif

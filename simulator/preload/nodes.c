@@ -1,0 +1,61 @@
+// Nodes that come and go with the MPC mode: their files move between the tree and the folder "parked".
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "shell.h"
+
+int nodesFind(const Shell* shell, int fd) {
+  struct stat status;
+  // Straight to the kernel: this is done on every call.
+  if (syscall(SYS_newfstatat, fd, "", &status, AT_EMPTY_PATH) != 0) return -1;
+  return simFindNode(shell->image, status.st_dev, status.st_ino);
+}
+
+static void move(const char* from, const char* to) {
+  struct stat status;
+  if (syscall(SYS_newfstatat, AT_FDCWD, from, &status, AT_SYMLINK_NOFOLLOW) != 0) return;
+  syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+
+void nodesArrange(const Shell* shell) {
+  const SimImage* const image = shell->image;
+  const SimNode* const nodes = SIM_AT(image, const SimNode, nodes);
+  const SimNodePath* const paths = SIM_AT(image, const SimNodePath, nodePaths);
+  const int root = (int)(shell->treeLength - strlen("/tree"));
+  char tree[PATH_MAX];
+  char parked[PATH_MAX];
+  for (uint32_t i = 0; i < image->nodePaths.count; ++i) {
+    const char* const path = (const char*)image + paths[i].path;
+    const int inTree = snprintf(tree, sizeof tree, "%s%s", shell->tree, path);
+    const int inParked = snprintf(parked, sizeof parked, "%.*s/parked%s", root, shell->tree, path);
+    if (inTree >= PATH_MAX || inParked >= PATH_MAX) continue;
+    if (nodes[paths[i].node].present) {
+      move(parked, tree);
+    } else {
+      move(tree, parked);
+    }
+  }
+}
+
+int nodesOthersOpen(SimCall* call, uint32_t owner) {
+  typedef DIR* (*Open)(const char*);
+  (void)call;
+  const Shell* const shell = shellGet();
+  const SimNode* const nodes = SIM_AT(shell->image, const SimNode, nodes);
+  DIR* const folder = REAL(Open, "opendir")("/proc/self/fd");
+  if (!folder) return 0;
+  int found = 0;
+  for (struct dirent* entry = readdir(folder); entry && !found; entry = readdir(folder)) {
+    const int node = entry->d_name[0] == '.' ? -1 : nodesFind(shell, atoi(entry->d_name));
+    found = node >= 0 && nodes[node].owner != owner;
+  }
+  closedir(folder);
+  return found;
+}
