@@ -191,6 +191,8 @@ TEST_F(ForwardingTest, Vgpus) {
   const VirtualFeatObj virt(model());
   expectForwarded<QueryActiveVirtUuidsCmd>([&] { return virt.readActiveUuids(); });
   expectForwarded<QueryAvailableVirtTypesCmd>([&] { return virt.readAvailableTypes(); });
+  expectForwarded<QueryAvailableVirtInstancesCmd>([&] { return virt.readAvailableInstances("11"); },
+                                                  [](const auto& cmd) { return cmd.typeId == "11"; });
   expectForwarded<QueryVgpuIdCmd>([&] { return virt.readVgpuId(); });
   expectForwarded<QueryVmPidCmd>([&] { return virt.readVmPid(); });
 }
