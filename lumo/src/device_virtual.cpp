@@ -48,6 +48,17 @@ std::vector<LumoVirtType> toLumoVirtTypes(const std::vector<kelp::MdevVirtType>&
   return records;
 }
 
+/// Whether the device can carry vGPUs. What a vGPU is asked in its place would be answered for its GPU.
+bool isCarrier(const Device& device, LumoReturn* status,
+               std::source_location operation = std::source_location::current()) {
+  const bool carries = device.getType() != kelp::DevType::kMediated;
+  if (!carries) {
+    logMissingFeature(operation);
+    *status = LUMO_RETURN_NOT_SUPPORTED;
+  }
+  return carries;
+}
+
 }  // namespace
 
 unsigned int Device::countSupportedVirtualTypes(LumoReturn* status) const {
@@ -55,6 +66,9 @@ unsigned int Device::countSupportedVirtualTypes(LumoReturn* status) const {
 }
 
 unsigned int Device::countAvailableVirtualTypes(LumoReturn* status) const {
+  if (!isCarrier(*this, status)) {
+    return 0;
+  }
   return static_cast<unsigned int>(ask(&Features::virt, status, &VirtualFeatObj::readAvailableTypes).size());
 }
 
@@ -68,6 +82,9 @@ unsigned int Device::countMaxVirtualDevices(const std::string& typeId, LumoRetur
 }
 
 unsigned int Device::countAvailableVirtualDevices(const std::string& typeId, LumoReturn* status) const {
+  if (!isCarrier(*this, status)) {
+    return 0;
+  }
   return ask(&Features::virt, status,
              [&typeId](const VirtualFeatObj& feature) { return feature.readAvailableInstances(typeId); });
 }
@@ -77,10 +94,16 @@ std::vector<LumoVirtType> Device::getSupportedVirtualTypes(LumoReturn* status) c
 }
 
 std::vector<LumoVirtType> Device::getAvailableVirtualTypes(LumoReturn* status) const {
+  if (!isCarrier(*this, status)) {
+    return {};
+  }
   return toLumoVirtTypes(ask(&Features::virt, status, &VirtualFeatObj::readAvailableTypes), status);
 }
 
 std::vector<std::string> Device::getActiveVirtualDeviceUuids(LumoReturn* status) const {
+  if (!isCarrier(*this, status)) {
+    return {};
+  }
   return ask(&Features::virt, status, &VirtualFeatObj::readActiveUuids);
 }
 

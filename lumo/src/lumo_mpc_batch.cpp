@@ -101,6 +101,8 @@ LumoReturn lumoLibrarySetMpcConfigurationInBatch(LumoLibrary* library, unsigned 
     for (const std::string& former : touched) {
       runOn(library, former, [](LumoDevice* device) { return lumoDeviceSetMpcMode(device, 0); });
     }
+    // What was enumerated on the way is no more.
+    forgetDevices(library);
     return status;
   }
   return LUMO_RETURN_SUCCESS;
