@@ -16,6 +16,8 @@ enum {
   kMessageSize = 256,
   kQueueMessages = 64,
   kQueueSize = kMessageSize * kQueueMessages,
+  // A pipe has room again only when a whole page of it was read.
+  kPipeSize = 2 * kQueueSize,
 };
 
 // Reading is looked at only in programs that have opened a queue.
@@ -57,7 +59,7 @@ int eventsOpen(const Shell* shell, const char* logical, int flags) {
   // Opened for reading alone, a queue without a writer would wait for one.
   const int fd = (int)syscall(SYS_openat, AT_FDCWD, path, O_RDWR | O_NONBLOCK | (flags & O_CLOEXEC));
   if (fd < 0) return fd;
-  fcntl(fd, F_SETPIPE_SZ, kQueueSize);
+  fcntl(fd, F_SETPIPE_SZ, kPipeSize);
   if (queuePath(shell, gpu, length, "waiting", path)) putWaiting(fd, path);
   __atomic_store_n(&hasQueues, 1, __ATOMIC_RELEASE);
   return fd;

@@ -63,6 +63,7 @@ void setEnvironment(const Installation& parts, const HostFolder& folder, const s
   };
   append("LD_PRELOAD", parts.library.string(), true);
   append("PATH", parts.stubs.string(), true);
+  append("PATH", parts.launcher.parent_path().string(), false);
   // The sanitizer wants to be the first library; it works behind the preload all the same.
   append("ASAN_OPTIONS", "verify_asan_link_order=0", false);
   setenv("OVGPU_SIM_ROOT", folder.path().c_str(), 1);

@@ -30,28 +30,9 @@ uint64_t readAttributes(const JsonCursor& entry) {
   return (scopeNumber & 7) | (severityNumber & 7) << 3;
 }
 
-std::string readRecord(const JsonCursor& entry) {
-  std::string record(kRecordSize, '\0');
-  const auto version = entry.find("version");
-  const auto pid = entry.find("pid");
-  put(record, 0, 4, version ? version->whole(0, 0xFFFFFFFF) : 1);
-  put(record, 4, 4, entry.require("xid").whole(0, 0xFFFFFFFF));
-  put(record, 8, 8, readAttributes(entry));
-  put(record, 16, 8, static_cast<uint64_t>(entry.require("time").moment()));
-  put(record, 32, 8, pid ? pid->whole(0, 0xFFFFFFFF) : 0);
-  if (const auto text = entry.find("text")) {
-    const std::string told = text->text();
-    if (told.size() > kRecordSize - kTextAt) text->fail("a text of at most 128 bytes");
-    record.replace(kTextAt, told.size(), told);
-  }
-  return record;
-}
-
 std::string readRecordFile(const JsonCursor& rows) {
-  std::string file(kHeaderSize, '\0');
-  file.replace(0, 8, "OVXIDREC");
-  put(file, 8, 2, 1);
-  for (const JsonCursor& entry : rows.elements()) file += readRecord(entry);
+  std::string file = faultRecordHeader();
+  for (const JsonCursor& entry : rows.elements()) file += faultRecord(entry);
   return file;
 }
 
@@ -69,7 +50,34 @@ std::string uuidBytes(const std::string& uuid) {
   return bytes;
 }
 
-std::string makeMessage(const std::string& uuid, const std::string& record) {
+}  // namespace
+
+std::string faultRecord(const JsonCursor& entry) {
+  entry.allowKeys(kRecordKeys);
+  std::string record(kRecordSize, '\0');
+  const auto version = entry.find("version");
+  const auto pid = entry.find("pid");
+  put(record, 0, 4, version ? version->whole(0, 0xFFFFFFFF) : 1);
+  put(record, 4, 4, entry.require("xid").whole(0, 0xFFFFFFFF));
+  put(record, 8, 8, readAttributes(entry));
+  put(record, 16, 8, static_cast<uint64_t>(entry.require("time").moment()));
+  put(record, 32, 8, pid ? pid->whole(0, 0xFFFFFFFF) : 0);
+  if (const auto text = entry.find("text")) {
+    const std::string told = text->text();
+    if (told.size() > kRecordSize - kTextAt) text->fail("a text of at most 128 bytes");
+    record.replace(kTextAt, told.size(), told);
+  }
+  return record;
+}
+
+std::string faultRecordHeader() {
+  std::string header(kHeaderSize, '\0');
+  header.replace(0, 8, "OVXIDREC");
+  put(header, 8, 2, 1);
+  return header;
+}
+
+std::string eventMessage(const std::string& uuid, const std::string& record) {
   std::string message(kMessageSize, '\0');
   put(message, 0, 3, kEventTypeXid);
   put(message, 3, 1, 1);
@@ -77,8 +85,6 @@ std::string makeMessage(const std::string& uuid, const std::string& record) {
   message.replace(kMessageRecordAt, record.size(), record);
   return message;
 }
-
-}  // namespace
 
 void checkEventKeys(const JsonCursor& gpu) {
   checkRows(gpu, "xid_records", kRecordKeys);
@@ -93,7 +99,7 @@ void readEvents(const JsonCursor& gpu, Host& host, size_t index) {
   }
   if (const auto rows = gpu.find("events")) {
     for (const JsonCursor& entry : rows->elements()) {
-      function.events += makeMessage(function.uuid, readRecord(entry));
+      function.events += eventMessage(function.uuid, faultRecord(entry));
     }
   }
 }
@@ -104,7 +110,6 @@ void readOldRecords(const JsonCursor& top, Host& host) {
   for (const auto& [uuid, rows] : files->members()) {
     if (uuid.empty() || uuid.find('/') != std::string::npos)
       rows.failWith("a GPU that is gone is named by its uuid");
-    for (const JsonCursor& entry : rows.elements()) entry.allowKeys(kRecordKeys);
     host.faultRecords[uuid] = readRecordFile(rows);
   }
 }

@@ -7,6 +7,13 @@
 
 void checkEventKeys(const JsonCursor& gpu);
 
+/// 168 bytes; unknown keys are errors.
+std::string faultRecord(const JsonCursor& entry);
+/// 32 bytes that a file of records begins with.
+std::string faultRecordHeader();
+/// 256 bytes, as an event queue gives them.
+std::string eventMessage(const std::string& uuid, const std::string& record);
+
 /// "xid_records" and "events" of a GPU entry, whose function has its uuid.
 void readEvents(const JsonCursor& gpu, Host& host, size_t function);
 

@@ -78,8 +78,10 @@ CellMap MpcPlan::ownCells(const char* moreValues) const {
   CellMap cells;
   const json& familyValues = defaultsOf(device.family)["values"];
   setLists(gpu(), cells);
-  readValues(gpu().require("values"), familyValues, cells);
-  if (const auto more = mpc().find(moreValues)) readValues(*more, familyValues, cells);
+  const auto more = mpc().find(moreValues);
+  json values = gpu().require("values").value();
+  if (more) mergeInto(values, more->value());
+  readValues({values, file, more ? more->path() : path + ".values"}, familyValues, cells);
   setNumber(cells, SIM_MPC_CAPABLE, 1);
   return cells;
 }

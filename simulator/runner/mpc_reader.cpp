@@ -92,7 +92,9 @@ uint32_t currentState(const JsonCursor& mpc) {
   if (enabled && !enabled->flag()) {
     if (isSet) current->failWith("the mode is not enabled, so no configuration is set");
     if (const auto instances = mpc.find("instances")) {
-      instances->failWith("the mode is not enabled, so there are no instances");
+      if (!instances->elements().empty()) {
+        instances->failWith("the mode is not enabled, so there are no instances");
+      }
     }
     return SIM_MPC_OFF;
   }

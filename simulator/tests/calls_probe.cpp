@@ -3,8 +3,11 @@
 //   sim_calls_probe status NODE INTERFACE VERSION SIZE [BYTE...]   prints the status, then the payload
 //   sim_calls_probe set-ecc NODE MODE
 //   sim_calls_probe many NODE COUNT THREADS                        prints how many calls failed
-//   sim_calls_probe time | exit STATUS | kill SIGNAL | open PATH | cat PATH | fork NODE
+//   sim_calls_probe reset-beside NODE OTHER                       status with the other one open, and without
+//   sim_calls_probe events GPU DESCRIPTORS COMMAND                 what each descriptor reads around the
+//   command sim_calls_probe time | exit STATUS | kill SIGNAL | open PATH | cat PATH | fork NODE
 #include <fcntl.h>
+#include <sys/epoll.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -89,6 +92,54 @@ int forked(const std::string& node) {
   return 0;
 }
 
+int resetBeside(const std::string& node, const std::string& other) {
+  const int fd = openNode(node);
+  const int beside = openNode(other);
+  const Answer refused = call(fd, 50, 1, std::vector<unsigned char>(16));
+  close(beside);
+  const Answer done = call(fd, 50, 1, std::vector<unsigned char>(16));
+  std::printf("%u %u\n", refused.status, done.status);
+  return 0;
+}
+
+uint64_t numberAt(const char* bytes, size_t width) {
+  uint64_t number = 0;
+  std::memcpy(&number, bytes, width);
+  return number;
+}
+
+void printEvents(int queue) {
+  char message[512] = {};
+  ssize_t got = 0;
+  while ((got = read(queue, message, sizeof message)) > 0) {
+    std::printf("%zd %lu %lu %s\n", got, numberAt(message + 28, 4), numberAt(message + 56, 8), message + 64);
+  }
+  std::printf("empty %zd\n", got);
+}
+
+int events(const std::string& gpu, int count, const std::string& command) {
+  std::vector<int> queues;
+  const std::string path = "/proc/driver/vela/gpu" + gpu + "/event_report";
+  for (int i = 0; i < count; ++i) queues.push_back(open(path.c_str(), O_RDONLY));
+  const int poll = epoll_create1(0);
+  epoll_event event{};
+  event.events = EPOLLIN;
+  epoll_ctl(poll, EPOLL_CTL_ADD, queues.front(), &event);
+  if (command != ":") {
+    for (const int queue : queues) printEvents(queue);
+    if (std::system(command.c_str()) != 0) return 1;
+  }
+  for (const int queue : queues) {
+    const bool isReady = epoll_wait(poll, &event, 1, 0) == 1;
+    if (isReady || queue != queues.front())
+      std::printf("ready 1\n");
+    else
+      std::printf("empty 0\n");
+    printEvents(queue);
+  }
+  return 0;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -110,6 +161,8 @@ int main(int count, char** arguments) {
     payload[0] = static_cast<unsigned char>(number(2));
     return call(openNode(words.at(1)), 49, 1, payload).status != 0;
   }
+  if (what == "reset-beside") return resetBeside(words.at(1), words.at(2));
+  if (what == "events") return events(words.at(1), number(2), words.at(3));
   if (what == "many") return many(words.at(1), number(2), number(3));
   if (what == "fork") return forked(words.at(1));
   if (what == "time") {

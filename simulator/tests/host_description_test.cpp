@@ -60,6 +60,33 @@ TEST(SimDescription, MistakesNameFileKeyAndExpectation) {
        "test.json: gpus[0].processes[0].pid: expected a whole number from 0 to 4294967295; found -3"},
       {R"({"gpus": [{"model": "B240", "mpc": {"profiles": [], "configurations": [], "current": 3}}]})",
        "test.json: gpus[0].mpc.current: expected the id of one of the configurations; found 3"},
+      {R"({"gpus": [{"model": "B240", "mpc": {"profiles": [], "configurations": [], "enabled": false, "current": 3}}]})",
+       "test.json: gpus[0].mpc.current: the mode is not enabled, so no configuration is set"},
+      {R"({"gpus": [{"model": "B230", "vpu_sessions": [{"core": 4, "instance": 0, "pid": 1, "codec": 0}]}]})",
+       "test.json: gpus[0].vpu_sessions[0].core: there is no such core among vpu_cores"},
+      {R"({"gpus": [{"model": "B230", "vpu_sessions": [{"core": 3, "instance": 8, "pid": 1, "codec": 0}]}]})",
+       "test.json: gpus[0].vpu_sessions[0].instance: the core has 8 instances"},
+      {R"({"gpus": [{"model": "B230", "vpu_sessions": [{"core": 3, "instance": 0, "pid": 1, "codec": "AAC"}]}]})",
+       "test.json: gpus[0].vpu_sessions[0].codec: expected a number or one of \"AVC\" \"VC1\" \"MPEG2\" "
+       "\"MPEG4\" \"H263\" \"DIV3\" \"RV\" \"AVS\" \"RSVD1\" \"THO\" \"VP3\" \"VP8\" \"HEVC\" \"VP9\" "
+       "\"AVS2\" \"RSVD2\" \"AV1\"; found \"AAC\""},
+      {R"({"gpus": [{"model": "B230", "retired_pages": [{"cause": 2, "address": 1}]}]})",
+       "test.json: gpus[0].retired_pages[0].cause: expected a whole number from 0 to 1; found 2"},
+      {R"({"gpus": [{"model": "B230", "retired_pages": [{"cause": "single", "adress": 1}]}]})",
+       "test.json: gpus[0].retired_pages[0].adress: unknown key; did you mean \"address\"?"},
+      {R"({"gpus": [{"model": "B230", "vgpus": [{"uuid": "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71", "type": 3, "id": 1}]}]})",
+       "test.json: gpus[0].vgpus[0].type: there is no type 3 among vgpu_types"},
+      {R"({"gpus": [{"model": "B230", "vgpus": [{"uuid": "C3", "type": 3, "id": 1}]}]})",
+       "test.json: gpus[0].vgpus[0].uuid: expected a uuid of lower-case digits; found \"C3\""},
+      {R"({"gpus": [{"model": "B230", "events": [{"xid": 3}]}]})",
+       "test.json: gpus[0].events[0]: the key \"time\" is missing"},
+      {R"({"gpus": [{"model": "B230"}], "sablink": {"links": [{"gpus": [0, 1]}]}})",
+       "test.json: sablink.links[0].gpus[1]: expected a whole number from 0 to 0; found 1"},
+      {R"({"gpus": [{"model": "B230", "repeat": 2}], "sablink": {"links": [{"gpus": [0, 1], "count": 30}, {"gpus": [0, 1], "count": 3}]}})",
+       "test.json: sablink.links[1]: a GPU has at most 32 links"},
+      {R"({"adapters": [{"name": "mlx5_0", "address": "7"}]})",
+       "test.json: adapters[0].address: expected a PCI address such as \"0000:41:00.0\"; found \"7\""},
+      {R"({"bridges": {"root": {}}})", "test.json: bridges.root: a bridge is named by its PCI address"},
       {R"({"protocol": 2})",
        "test.json: protocol: expected 1, 0, \"none\", or {\"major\": N, \"minor\": N} for what the probe "
        "answers; "
@@ -145,6 +172,99 @@ TEST(SimDescription, ProcessesThatAreNotDescribedAreUnknown) {
       {"pid": 1, "gpu_memory": 1}, {"pid": 2, "gpu_memory": 1}]}], "processes": {"2": {"cmdline": ["a", "b"]}}})");
   EXPECT_EQ(host.unknownPids, std::vector<uint64_t>{1});
   EXPECT_EQ(host.processes.at(2), std::string("a\0b\0", 4));
+}
+
+TEST(SimDescription, LinksAreSeenFromBothSides) {
+  TestDriver driver(R"({"gpus": [{"model": "B250A", "repeat": 4}, {"model": "B230"}], "sablink": {
+      "speed": 7, "version": 300, "links": [{"gpus": [0, 1], "count": 2}, {"gpus": [1, 2], "state": "downgraded"},
+      {"gpus": [2, 3], "state": "down"}]}})");
+  const auto ask = [&](const char* node, unsigned name, unsigned version, Record payload) {
+    EXPECT_EQ(driver.call(node, name, version, payload), 0) << node << " " << name;
+    return payload;
+  };
+  const Record spec = ask("ovgpu.1", 17, 2, Record(28));
+  EXPECT_EQ(spec.get(0, 4), 3u);
+  EXPECT_EQ(spec.get(4, 4), 7u);
+  EXPECT_EQ(spec.get(8, 4), 300u);
+  EXPECT_EQ(ask("ovgpu.1", 19, 2, Record(24).put(0, 4, 2)).get(4, 4), 2u);
+  EXPECT_EQ(ask("ovgpu.2", 19, 2, Record(24).put(0, 4, 1)).get(4, 4), 0u);
+  const Record remote = ask("ovgpu.2", 23, 2, Record(34).put(0, 4, 0));
+  EXPECT_EQ(remote.get(4, 8), 0x110000u);
+  EXPECT_EQ(remote.get(12, 4), 2u);
+  EXPECT_EQ(remote.get(16, 2), 1u);
+  const Record layout = ask("ovgpu.0", 22, 2, Record(406).put(4, 2, 1));
+  EXPECT_EQ(layout.get(0, 4), 2u);
+  EXPECT_EQ(layout.get(14, 4), 1u);
+  EXPECT_EQ(layout.get(18, 4), 1u);
+  const Record path = ask("ovgpu.0", 24, 2, Record(854).put(4, 2, 2));
+  EXPECT_EQ(path.get(0, 4), 1u);
+  EXPECT_EQ(path.get(6, 4), 3u);
+  EXPECT_EQ(path.get(10, 2), 0u);
+  EXPECT_EQ(path.get(12, 2), 1u);
+  EXPECT_EQ(path.get(14, 2), 2u);
+  EXPECT_EQ(ask("ovgpu.0", 22, 2, Record(406).put(4, 2, 2)).get(0, 4), 0u) << "no link to it";
+  EXPECT_EQ(ask("ovgpu.0", 24, 2, Record(854).put(4, 2, 3)).get(0, 4), 0u) << "a link that is down";
+  EXPECT_EQ(ask("ovgpu.0", 24, 2, Record(854).put(4, 2, 4)).get(0, 4), 0u) << "no ports";
+  Record absent = Record(24).put(0, 4, 9);
+  EXPECT_EQ(driver.call("ovgpu.0", 19, 2, absent), 12);
+  Record unlinked = Record(28);
+  EXPECT_EQ(driver.call("ovgpu.4", 17, 2, unlinked), 5);
+}
+
+TEST(SimDescription, AllShortestPathsAreTold) {
+  TestDriver driver(R"({"gpus": [{"model": "B250A", "repeat": 4}], "sablink": {"links": [
+      {"gpus": [0, 1]}, {"gpus": [0, 2]}, {"gpus": [1, 3]}, {"gpus": [2, 3]}]}})");
+  Record paths = Record(854).put(4, 2, 3);
+  ASSERT_EQ(driver.call("ovgpu.0", 24, 2, paths), 0);
+  EXPECT_EQ(paths.get(0, 4), 2u);
+  EXPECT_EQ(paths.get(12, 2), 1u);
+  EXPECT_EQ(paths.get(6 + 52 + 6, 2), 2u);
+}
+
+TEST(SimDescription, UuidsAreThoseOfTheDriver) {
+  const Host host = hostFromText(R"({"gpus": [
+      {"model": "B240", "efuse": ["0x123456789A", "0xABC", "0x15", "0x0A"]}, {"model": "B250A", "misc": 26},
+      {"model": "B230", "efuse": [0, 0, 0, 0]}]})");
+  EXPECT_EQ(host.functions[0].uuid, "69a595f8-b61c-1978-3817-019f596bec2d");
+  EXPECT_EQ(host.functions[1].uuid, "00000000-0000-0000-0000-00000000001a");
+  EXPECT_EQ(host.functions[2].uuid, "00000000-0000-0000-0000-000000000001");
+  EXPECT_EQ(hostFromText(R"({"driver_mode": 1, "gpus": [{"model": "B240"}]})").functions[0].uuid, "");
+  EXPECT_EQ(hostFromText(R"({"interfaces": {"62": null}, "gpus": [{"model": "B240"}]})").functions[0].uuid,
+            "00000000-0000-0000-0000-000000000000");
+}
+
+TEST(SimDescription, FaultRecordsAreFiledByUuid) {
+  const Host host = hostFromText(R"({"gpus": [{"model": "B250A", "misc": 3, "xid_records": [
+      {"xid": 31, "scope": "engine", "severity": "error", "time": "2025-11-20 17:40:00", "pid": 4242, "text": "mmu"},
+      {"xid": 1, "attributes": 7, "time": 5, "version": 2}]}],
+      "xid_records": {"gone": [{"xid": 9, "time": 6}]}})");
+  const std::string& file = host.faultRecords.at("00000000-0000-0000-0000-000000000003");
+  ASSERT_EQ(file.size(), 32u + 2 * 168);
+  EXPECT_EQ(file.substr(0, 10), std::string("OVXIDREC\1\0", 10));
+  Record record(168);
+  std::copy(file.begin() + 32, file.begin() + 200, record.bytes.begin());
+  EXPECT_EQ(record.get(0, 4), 1u);
+  EXPECT_EQ(record.get(4, 4), 31u);
+  EXPECT_EQ(record.get(8, 8), 17u);
+  EXPECT_EQ(record.get(16, 8), 1763660400u);
+  EXPECT_EQ(record.get(32, 8), 4242u);
+  EXPECT_EQ(record.text(40, 128), "mmu");
+  EXPECT_EQ(static_cast<unsigned char>(file[200]), 2);
+  EXPECT_EQ(host.faultRecords.at("gone").size(), 200u);
+}
+
+TEST(SimDescription, InstancesOfOtherConfigurationsAreNumberedLast) {
+  const Host host = hostFromText(R"({"gpus": [{"model": "B240", "mpc": {
+      "profiles": [{"id": 3, "name": "p", "cores": 1, "memory": 16}],
+      "configurations": [{"id": 0, "name": "one", "profiles": [3]}, {"id": 1, "name": "two", "profiles": [3, 3]}],
+      "current": 0}}, {"model": "B250A"}]})");
+  EXPECT_EQ(host.functions[0].miscIds, (std::vector<uint32_t>{0, 1}));
+  EXPECT_EQ(host.functions[1].miscIds, std::vector<uint32_t>{2});
+  uint32_t waiting = 0;
+  for (const Node& node : host.nodes) {
+    if (!node.present && node.kind == SIM_NODE_INSTANCE) waiting = node.number;
+  }
+  EXPECT_EQ(waiting, 3u);
 }
 
 class SimLibraryOfHosts : public testing::Test {

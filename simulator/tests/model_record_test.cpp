@@ -289,6 +289,96 @@ TEST_F(SimRecord1, Sablink) {
   EXPECT_EQ(paths.get(14, 2), 9u);
 }
 
+TEST_F(SimRecord1, SerdesStatusWantsFourLanes) {
+  TestDriver driver(tor1With(R"("sablink_capable": 1, "sablink_links": 2, "serdes_lanes": 4,
+      "serdes_state": {"1,0": 2, "1,1": 1, "1,2": 0, "1,3": 2}, "serdes_eye_width": {"1,0": 11, "1,1": 12, "1,2": 13, "1,3": 14},
+      "serdes_eye_height": 120, "serdes_bit_errors": {"1,0": 21, "1,1": 22, "1,2": 23, "1,3": 24})"));
+  const Record status = ask(driver, 39, 1, 84, Record(84).put(0, 4, 4).put(4, 4, 1));
+  EXPECT_EQ(status.get(0, 4), 4u);
+  EXPECT_EQ(status.get(4, 4), 2u);
+  EXPECT_EQ(status.get(8, 4), 11u);
+  EXPECT_EQ(status.get(12, 4), 120u);
+  EXPECT_EQ(status.get(16, 4), 21u);
+  EXPECT_EQ(status.get(4 + 16 * 3 + 4, 4), 14u);
+  EXPECT_EQ(status.get(4 + 16 * 3 + 12, 4), 24u);
+  Record wrong = Record(84).put(0, 4, 3).put(4, 4, 1);
+  EXPECT_EQ(driver.call("ovgpu.3", 39, 1, wrong), 1);
+  wrong.put(0, 4, 4).put(4, 4, 2);
+  EXPECT_EQ(driver.call("ovgpu.3", 39, 1, wrong), 12);
+}
+
+TEST_F(SimRecord1, P2pStatusByPeerAndCapability) {
+  TestDriver driver(R"({"gpus": [{"model": "B250A", "misc": 5}, {"model": "B250A", "misc": 3, "values": {
+      "p2p_status": {"5,0": 0, "5,1": 2}}}]})");
+  EXPECT_EQ(ask(driver, 7, 1, 28, Record(28).put(0, 4, 5)).get(8, 4), 0u);
+  EXPECT_EQ(ask(driver, 7, 1, 28, Record(28).put(0, 4, 5).put(4, 4, 1)).get(8, 4), 2u);
+  Record other = Record(28).put(0, 4, 6);
+  EXPECT_EQ(driver.call("ovgpu.3", 7, 1, other), 12) << "there is no such device";
+}
+
+TEST_F(SimRecord1, MemoryTemperatureTellsWhatWasMeasured) {
+  TestDriver driver(R"({"interfaces": {"63": [1, 2]}, "gpus": [{"model": "B250A", "misc": 3, "values": {
+      "memory_temperature": 51, "memory_channel_mask": "0x8000000000000001"}}]})");
+  const Record first = ask(driver, 63, 1, 212);
+  EXPECT_EQ(first.get(0, 4), 51u);
+  EXPECT_EQ(first.get(8, 8), 0x8000000000000001u);
+}
+
+TEST_F(SimRecord1, EdcCountersByChannelAndInTotal) {
+  TestDriver driver(R"({"interfaces": {"64": [1, 2]}, "gpus": [{"model": "B250A", "misc": 3, "values": {
+      "edc_channels": 2, "edc_read_errors": {"0": 1, "1": 5}, "edc_write_errors": {"0": 2, "1": 6},
+      "edc_read_retries": {"0": 3, "1": 7}, "edc_write_retries": {"0": 4, "1": 8},
+      "edc_total": [11, 12, 13, 14]}}]})");
+  const Record channels = ask(driver, 64, 1, 404);
+  EXPECT_EQ(channels.get(0, 4), 2u);
+  for (size_t i = 0; i < 8; ++i) EXPECT_EQ(channels.get(4 + 4 * i, 4), i + 1);
+  const Record total = ask(driver, 64, 2, 32);
+  for (size_t i = 0; i < 4; ++i) EXPECT_EQ(total.get(4 * i, 4), 11 + i);
+}
+
+TEST_F(SimRecord1, Bar2MemoryAndThermalSlowdown) {
+  TestDriver driver(tor1With(R"("bar2_total": 21, "bar2_used": 22, "bar2_free": 23, "slowdown_count": 24,
+      "slowdown_time": 25)"));
+  const Record memory = ask(driver, 74, 0, 56);
+  EXPECT_EQ(memory.get(0, 8), 21u);
+  EXPECT_EQ(memory.get(8, 8), 22u);
+  EXPECT_EQ(memory.get(16, 8), 23u);
+  const Record slowdown = ask(driver, 73, 0, 24);
+  EXPECT_EQ(slowdown.get(0, 4), 24u);
+  EXPECT_EQ(slowdown.get(4, 4), 25u);
+}
+
+TEST_F(SimRecord1, FansOfAList) {
+  TestDriver driver(
+      tor1With("", R"("fans": [{"percent": 40, "rpm": 1800}, {"percent": "n/a", "rpm": 2000}],)"));
+  EXPECT_EQ(ask(driver, 53, 1, 20).get(0, 4), 2u);
+  EXPECT_EQ(ask(driver, 54, 1, 28, Record(28).put(16, 4, 1).put(20, 4, 1)).get(8, 4), 2000u);
+  EXPECT_EQ(ask(driver, 54, 1, 28, Record(28).put(16, 4, 1)).get(8, 4), 0xFFFFFFFFu);
+  Record absent = Record(28).put(16, 4, 2);
+  EXPECT_EQ(driver.call("ovgpu.3", 54, 1, absent), 12);
+}
+
+TEST_F(SimRecord1, EfuseBitsAreAtMostAThousand) {
+  TestDriver driver(tor1With(""));
+  Record wanted = Record(152).put(4, 4, 1025);
+  EXPECT_EQ(driver.call("ovgpu.3", 62, 1, wanted), 1);
+  const Record efuse = ask(driver, 62, 1, 152, Record(152).put(4, 4, 1024));
+  for (size_t i = 0; i < 32; ++i) EXPECT_EQ(efuse.get(8 + 4 * i, 4), 0u) << "no identity on this family";
+}
+
+TEST_F(SimRecord1, GuestsOfAList) {
+  TestDriver driver(tor1With("", R"("vgpu_types": [{"id": 11, "name": "t", "framebuffer": 2048}],
+      "vgpus": [{"uuid": "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71", "type": 11, "id": 7, "utilization": 12,
+                 "memory_used": "n/a", "overcommit": 1, "overcommit_memory": 512}],)"));
+  EXPECT_EQ(ask(driver, 33, 1, 24, Record(24).put(0, 4, 7)).get(4, 4), 12u);
+  const Record memory = ask(driver, 34, 1, 36, Record(36).put(0, 4, 7));
+  EXPECT_EQ(memory.get(4, 8), uint64_t{2048} << 20) << "as large as the type's";
+  EXPECT_EQ(memory.get(12, 8), ~uint64_t{0});
+  const Record lent = ask(driver, 75, 0, 44, Record(44).put(0, 4, 7));
+  EXPECT_EQ(lent.get(4, 4), 1u);
+  EXPECT_EQ(lent.get(8, 4), 512u);
+}
+
 TEST_F(SimRecord1, SablinkNeedsPorts) {
   TestDriver driver(
       tor1With(R"("sablink_capable": 0, "sablink_links": 4, "sablink_speed": 1, "sablink_version": 1)"));

@@ -70,6 +70,108 @@ TEST(SimRender, UtilisationAndClock) {
   EXPECT_EQ(clock.get(16, 4), 3000u);
 }
 
+// Two encoder cores behind two decoder cores, of which one has sessions of two guests and of the host.
+const char* const kSessions = R"({"interfaces": {"100002": [2, 3]}, "gpus": [{"model": "B230",
+    "vgpu_types": [{"id": 1, "name": "t", "framebuffer": 1}], "vpu_sessions": [
+    {"core": 3, "instance": 0, "pid": 71, "codec": "HEVC", "h_res": 1280, "v_res": 720, "fps": 25, "bitrate": 900},
+    {"core": 3, "instance": 2, "pid": 72, "codec": 16, "vgpu": 7},
+    {"core": 3, "instance": 5, "pid": 73, "codec": "AVC", "vgpu": 8, "state": 4}]}]})";
+
+int askCore(TestDriver& driver, uint32_t operation, Record& reply, uint32_t core, uint32_t instance = 0,
+            uint32_t vgpu = 0) {
+  Record record(40);
+  record.put(0, 4, operation).put(4, 4, reply.bytes.size());
+  record.put(8, 8, reinterpret_cast<uint64_t>(reply.bytes.data())).put(16, 4, core).put(20, 4, instance);
+  record.put(24, 4, vgpu).put(28, 4, vgpu != 0);
+  return driver.ioctl("renderD128", kPointed, record);
+}
+
+TEST(SimRender, SessionStates) {
+  TestDriver driver(kSessions);
+  Record reply(152);
+  ASSERT_EQ(askCore(driver, 2, reply, 3), 0);
+  EXPECT_EQ(reply.get(0, 4), 3u);
+  EXPECT_EQ(reply.get(4, 4), 8u);
+  const uint64_t states[] = {1, 0, 1, 0, 0, 4, 0, 0};
+  for (size_t i = 0; i < 8; ++i) EXPECT_EQ(reply.get(8 + 4 * i, 4), states[i]) << i;
+  for (size_t i = 8; i < 36; ++i) EXPECT_EQ(reply.get(8 + 4 * i, 4), 0xFFFFFFFFu) << "no such instance";
+  ASSERT_EQ(askCore(driver, 2, reply, 9), 0);
+  EXPECT_EQ(reply.get(0, 4), 9u);
+  EXPECT_EQ(reply.get(4, 4), 0u);
+  EXPECT_EQ(reply.get(8, 4), 0xFFFFFFFFu) << "an absent core";
+}
+
+TEST(SimRender, SessionStatesOfVersionTwoHaveNoCore) {
+  TestDriver driver(R"({"interfaces": {"100002": 2}, "gpus": [{"model": "B230", "vpu_cores": [
+      {"kind": "encoder", "threads": 1, "instances": 40}],
+      "vpu_sessions": [{"core": 0, "instance": 31, "pid": 71, "codec": 0}]}]})");
+  Record reply(132);
+  ASSERT_EQ(askCore(driver, 2, reply, 0), 0);
+  EXPECT_EQ(reply.get(0, 4), 32u);
+  EXPECT_EQ(reply.get(4, 4), 0u);
+  EXPECT_EQ(reply.get(4 + 4 * 31, 4), 1u);
+  Record newer(152);
+  EXPECT_EQ(askCore(driver, 2, newer, 0), EINVAL) << "that is version 3";
+}
+
+TEST(SimRender, SessionMetrics) {
+  TestDriver driver(kSessions);
+  Record reply(36);
+  ASSERT_EQ(askCore(driver, 1, reply, 3, 0), 0);
+  const uint64_t expected[] = {1, 71, 12, 1280, 720, 25, 900, 8, 0};
+  for (size_t i = 0; i < 9; ++i) EXPECT_EQ(reply.get(4 * i, 4), expected[i]) << i;
+  ASSERT_EQ(askCore(driver, 1, reply, 3, 5), 0);
+  EXPECT_EQ(reply.get(0, 4), 4u) << "a status of failure";
+  ASSERT_EQ(askCore(driver, 1, reply, 1, 3), 0);
+  EXPECT_EQ(reply.get(0, 4), 0u);
+  EXPECT_EQ(reply.get(4, 4), 0u);
+  EXPECT_EQ(reply.get(28, 4), 19u) << "counted over the decoder cores";
+  EXPECT_EQ(askCore(driver, 1, reply, 3, 8), ENOENT);
+  EXPECT_EQ(askCore(driver, 1, reply, 4, 0), ENOENT);
+}
+
+TEST(SimRender, SessionsOfOneGuestAlone) {
+  TestDriver driver(kSessions);
+  Record states(152);
+  ASSERT_EQ(askCore(driver, 2, states, 3, 0, 7), 0);
+  EXPECT_EQ(states.get(8, 4), 0u) << "the host's";
+  EXPECT_EQ(states.get(16, 4), 1u);
+  EXPECT_EQ(states.get(28, 4), 0u) << "another guest's";
+  Record metrics(36);
+  ASSERT_EQ(askCore(driver, 1, metrics, 3, 5, 7), 0);
+  EXPECT_EQ(metrics.get(0, 4), 0u);
+  ASSERT_EQ(askCore(driver, 1, metrics, 3, 5, 8), 0);
+  EXPECT_EQ(metrics.get(4, 4), 73u);
+}
+
+TEST(SimRender, InlineStatesBeginWithTheCore) {
+  TestDriver driver(R"({"interfaces": {"100001": 0, "100002": 1}, "gpus": [{"model": "B210", "vpu_sessions": [
+      {"core": 1, "instance": 2, "pid": 71, "codec": "VP8"}]}]})");
+  Record record = Record(160, 0xAA).put(0, 2, 2).put(2, 2, 1).put(4, 4, 0);
+  ASSERT_EQ(driver.ioctl("renderD128", kInline, record), 0);
+  EXPECT_EQ(record.get(8, 4), 1u);
+  EXPECT_EQ(record.get(12, 4), 8u);
+  EXPECT_EQ(record.get(24, 4), 1u);
+  record = Record(160).put(0, 2, 1).put(2, 2, 1).put(4, 4, 2);
+  ASSERT_EQ(driver.ioctl("renderD128", kInline, record), 0);
+  EXPECT_EQ(record.get(12, 4), 71u);
+  EXPECT_EQ(record.get(16, 4), 11u);
+  EXPECT_EQ(record.get(36, 4), 2u);
+}
+
+TEST(SimRender, FormMustBeThatOfTheListedVersion) {
+  TestDriver driver(kFen1);
+  Record record(160);
+  EXPECT_EQ(driver.ioctl("renderD128", kInline, record), EINVAL);
+  TestDriver old(R"({"interfaces": {"100000": 1, "100003": null}, "gpus": [{"model": "B230"}]})");
+  Record busy(64);
+  EXPECT_EQ(ask(old, 0, busy), EINVAL);
+  Record clock(128);
+  EXPECT_EQ(ask(old, 3, clock), EINVAL) << "not listed";
+  TestDriver oldest(R"({"render_protocol": "none", "gpus": [{"model": "B230"}]})");
+  EXPECT_EQ(oldest.ioctl("renderD128", kInline, record), 0);
+}
+
 TEST(SimRender, InlineFormHasTheReplyBehindTheArguments) {
   TestDriver driver(R"({"interfaces": {"100000": 1}, "gpus": [{"model": "B230", "values": {
       "vpu_utilization": [10, 20, 30, 40]}}]})");

@@ -86,6 +86,125 @@ TEST_F(SimPreload, VirtualFunctionHasALinkToItsPhysicalOne) {
   EXPECT_EQ(onHost(host, {}, {"test", "-h", "/sys/bus/pci/drivers/ovgpu/0000:01:00.0/physfn"}).status, 0);
 }
 
+constexpr const char* kMpcFunction = "/sys/bus/pci/drivers/ovgpu/0000:41:00.0";
+
+TEST_F(SimPreload, NodesComeAndGoWithTheMpcMode) {
+  const std::string folder = scratch / "kept";
+  const auto run = [&](const std::string& script) {
+    return onHost("mpc", {"--state", folder}, {"sh", "-c", script}).out;
+  };
+  const std::string list = "ls -d /dev/ovgpu.* /dev/dri/* " + std::string(kMpcFunction) + "/misc/* " +
+                           std::string(kMpcFunction) +
+                           "/drm/* | tr '\\n' ' '; cat /proc/driver/vela/gpu1/devname";
+  const std::string function = kMpcFunction;
+  EXPECT_EQ(run(list),
+            "/dev/dri/card0 /dev/dri/card1 /dev/dri/card2 /dev/dri/renderD128 /dev/dri/renderD129 "
+            "/dev/dri/renderD130 /dev/ovgpu.0 /dev/ovgpu.1 /dev/ovgpu.2 /dev/ovgpu.3 " +
+                function + "/drm/card1 " + function + "/drm/card2 " + function + "/drm/renderD129 " +
+                function + "/drm/renderD130 " + function + "/misc/ovgpu.1 " + function + "/misc/ovgpu.2 " +
+                function + "/misc/ovgpu.3 ovgpu.1\n");
+  EXPECT_TRUE(run(calls + " status ovgpu.1 12 1 18 0").starts_with("ok 0"));
+  EXPECT_EQ(run("ls " + function + "/misc"), "ovgpu.1\novgpu.2\n");
+  EXPECT_EQ(run(calls + " open /dev/ovgpu.3"), "No such file or directory\n");
+  EXPECT_TRUE(run(calls + " status ovgpu.2 14 1 60").starts_with("ok 0 01 00 33 63"));
+  EXPECT_TRUE(run(calls + " status ovgpu.1 12 1 18 1").starts_with("ok 0"));
+  EXPECT_EQ(run("ls " + function + "/misc"), "ovgpu.1\novgpu.2\novgpu.3\novgpu.4\n");
+  EXPECT_TRUE(run(calls + " status ovgpu.1 15 1 17 0").starts_with("ok 0"));
+  EXPECT_EQ(run("ls " + function + "/misc " + function + "/drm"),
+            function + "/drm:\ncard4\nrenderD132\n\n" + function + "/misc:\novgpu.1\n");
+  EXPECT_EQ(run("cat /proc/driver/vela/gpu1/devname"), "ovgpu.1\n");
+}
+
+TEST_F(SimPreload, ResetIsRefusedWhileAnotherDeviceIsOpen) {
+  const Outcome outcome = onHost("bare", {}, {calls, "reset-beside", "ovgpu.0", "ovgpu.1"});
+  EXPECT_EQ(outcome.out, "7 0\n") << "busy, and done once the other one is closed";
+  EXPECT_EQ(onHost("bare", {}, {calls, "reset-beside", "ovgpu.0", "dri/renderD128"}).out, "0 0\n")
+      << "a node of the device itself";
+}
+
+TEST_F(SimPreload, EventsReachEveryQueueOnce) {
+  const Outcome outcome = onHost("bare", {},
+                                 {"sh", "-c",
+                                  calls + " events 0 2 'ovgpu-sim-raise 0 31 pid=4242 text=mmu; "
+                                          "ovgpu-sim-raise 1 8; ovgpu-sim-raise 0 13'"});
+  EXPECT_EQ(outcome.out,
+            "empty 0\nempty 0\nready 1\n256 31 4242 mmu\n256 13 0 \nempty 0\nready 1\n256 31 4242 mmu\n256 "
+            "13 0 \nempty 0\n")
+      << outcome.error;
+}
+
+TEST_F(SimPreload, FullQueueDropsTheOldestEvent) {
+  const Outcome outcome = onHost(
+      "bare", {},
+      {"sh", "-c",
+       calls + " events 0 1 'for i in $(seq 1 66); do ovgpu-sim-raise 0 $i; done' | sed -n '3p;66p;67p'"});
+  EXPECT_EQ(outcome.out, "256 3 0 \n256 66 0 \nempty 0\n") << outcome.error;
+}
+
+TEST_F(SimPreload, EventsOfTheDescriptionWaitUntilTheyAreDropped) {
+  const std::string host = scratch.write("host.json", R"({"gpus": [{"model": "B250A", "events": [
+      {"xid": 5, "time": 100}, {"xid": 6, "time": 101, "pid": 7}]}]})");
+  EXPECT_EQ(onHost(host, {}, {calls, "events", "0", "1", ":"}).out, "ready 1\n256 5 0 \n256 6 7 \nempty 0\n");
+  EXPECT_EQ(
+      onHost(host, {}, {"sh", "-c", calls + " status ovgpu.0 43 1 16 >/dev/null; " + calls + " events 0 1 :"})
+          .out,
+      "empty 0\nempty 0\n");
+}
+
+TEST_F(SimPreload, RaisedFaultIsWrittenDownByTheLogDaemon) {
+  const Outcome outcome =
+      onHost("bare", {},
+             {"sh", "-c",
+              "ovgpu-sim-raise 1 31; ovgpu-sim-raise 0 32; cd /var/log/ovgpu/event_report; for i in *; do "
+              "stat -c %s $i/xid_records; done"});
+  EXPECT_EQ(outcome.out, "536\n200\n") << outcome.error;
+  EXPECT_EQ(onHost("bare", {}, {"ovgpu-sim-raise", "2", "1"}).status, 2);
+}
+
+TEST_F(SimPreload, MediatedDevicesAreInSysfs) {
+  const std::string uuid = "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71";
+  const auto text = [&](const std::string& command) { return onHost("vgpu", {}, {"sh", "-c", command}).out; };
+  const std::string type = "/sys/class/mdev_bus/0000:01:00.0/mdev_supported_types/ovgpu-11/";
+  EXPECT_EQ(
+      text("cat " + type + "name " + type + "device_api " + type + "available_instances " + type +
+           "description"),
+      "OVT B230-2Q\nvfio-pci\n7\nmax_resolution=4096x2160,max_encode_num=2,max_decode_num=4,framebuffer=2048,"
+      "max_instances=8,max_ov_virtual_display=2\n");
+  EXPECT_EQ(text("readlink -f /sys/bus/mdev/devices/" + uuid),
+            "/sys/devices/pci0000:00/0000:00:01.0/0000:01:00.0/" + uuid + "\n");
+  EXPECT_EQ(text("cd /sys/bus/mdev/devices/" + uuid +
+                 "; readlink mdev_type; cat ovgpu_vgpu/vgpu_id ovgpu_vgpu/vm_pid"),
+            "../mdev_supported_types/ovgpu-11\n7\n5151\n");
+  EXPECT_EQ(onHost("bare", {}, {"test", "-e", "/sys/class/mdev_bus"}).status, 1);
+}
+
+TEST_F(SimPreload, AdaptersAndBridgesAreInSysfs) {
+  const std::string host = scratch.write("host.json", R"({"gpus": [{"model": "B250A", "upstream":
+      ["pci0000:00", "0000:00:01.0", "0000:02:00.0"], "numa_node": 1, "cpus": "4-7"}],
+      "adapters": [{"name": "mlx5_3", "address": "0000:09:00.1", "upstream": ["pci0000:00", "0000:00:01.0"]},
+                   {"address": "0000:0a:00.0", "numa_node": -1, "class": "0x020000"}],
+      "bridges": {"0000:02:00.0": {"class": "0x060000", "numa_node": 0}}})");
+  const auto text = [&](const std::string& command) { return onHost(host, {}, {"sh", "-c", command}).out; };
+  EXPECT_EQ(text("readlink -f /sys/class/infiniband/mlx5_3"),
+            "/sys/devices/pci0000:00/0000:00:01.0/0000:09:00.1/infiniband/mlx5_3\n");
+  EXPECT_EQ(
+      text(
+          "cd /sys/bus/pci/devices/0000:09:00.1; cat class vendor device local_cpulist local_cpus numa_node"),
+      "0x020700\n0x15b3\n0x1017\n0-31\nffffffff\n0\n");
+  EXPECT_EQ(text("cd /sys/bus/pci/devices/0000:02:00.0; cat class vendor local_cpulist local_cpus numa_node"),
+            "0x060000\n0x1022\n4-7\n000000f0\n0\n");
+  EXPECT_EQ(text("cd /sys/bus/pci/devices/0000:0a:00.0; ls; cat numa_node"),
+            "class\ndevice\nlocal_cpulist\nlocal_cpus\nnuma_node\nvendor\n-1\n");
+}
+
+TEST_F(SimPreload, GuestIsToldItsShare) {
+  const std::string file = "/sys/bus/pci/devices/0000:00:05.0/ovgpu_vgpu/vgpu_device_info";
+  EXPECT_EQ(onHost("guest", {}, {calls, "cat", file}).out,
+            "type_id=7717,name=OVT B240-8Q,framebuffer=8192\n");
+  EXPECT_EQ(onHost("guest", {}, {calls, "cat", "/sys/bus/pci/devices/0000:00:05.0/subsystem_device"}).out,
+            "0x1e25\n");
+}
+
 TEST_F(SimPreload, PackageToolsAnswerAsDescribed) {
   const std::string host = scratch.write("host.json", R"({"packages": {
       "dpkg": {"vela": "1.3.0_beta"}, "rpm": {"vela_all-in-one": {"text": "Version    : 9\n", "status": 3}}}})");

@@ -1,6 +1,8 @@
 // The hosts that ship with the simulator hold what they promise.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "host_document.h"
 #include "host_reader.h"
 
@@ -40,6 +42,29 @@ TEST(SimShippedHosts, SizesAndKinds) {
   EXPECT_EQ(shipped("guest").driverMode, "1");
   EXPECT_EQ(shipped("guest").functions.at(0).subsystemDeviceId, 0x1e25);
   EXPECT_FALSE(shipped("broken").faults.empty());
+}
+
+TEST(SimShippedHosts, ServerHasATopologyToBeShown) {
+  const Host host = shipped("server");
+  EXPECT_EQ(host.functions[0].place.upstream.size(), 4u);
+  EXPECT_GE(host.functions[2].place.upstream.size(), 6u) << "two levels of switches";
+  ASSERT_EQ(host.adapters.size(), 3u);
+  std::vector<std::pair<std::string, std::string>> byAddress;
+  for (const Adapter& adapter : host.adapters) byAddress.emplace_back(adapter.place.address, *adapter.name);
+  std::sort(byAddress.begin(), byAddress.end());
+  const auto byName = [](const auto& a, const auto& b) { return a.second < b.second; };
+  EXPECT_FALSE(std::is_sorted(byAddress.begin(), byAddress.end(), byName)) << "names go otherwise than buses";
+}
+
+TEST(SimShippedHosts, VirtualisationHosts) {
+  const Host host = shipped("vgpu-host");
+  EXPECT_EQ(host.driverMode, "0");
+  EXPECT_EQ(host.functions[0].vgpuTypes->size() + host.functions[1].vgpuTypes->size(), 3u);
+  EXPECT_EQ(host.functions[0].vgpus.size() + host.functions[1].vgpus.size(), 5u);
+  const Host small = shipped("vgpu");
+  EXPECT_EQ(small.functions[0].vgpus.at(0).uuid, "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71");
+  EXPECT_EQ(*shipped("guest").functions[0].guestInfo, "type_id=7717,name=OVT B240-8Q,framebuffer=8192");
+  EXPECT_FALSE(shipped("bare").functions[0].vgpuTypes);
 }
 
 TEST(SimShippedHosts, MpcHasAPlainGpuAndAParentWithTwoInstances) {
