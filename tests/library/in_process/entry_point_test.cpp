@@ -18,53 +18,6 @@ using tolk_test::LumoFixture;
 
 class EntryPointTest : public LumoFixture {};
 
-TEST_F(EntryPointTest, AHandleWhoseObjectIsGoneAnswers999) {
-  LumoDevice deadDevice;
-  LumoGpu deadGpu;
-  LumoMemory deadMemory;
-  LumoSystem deadSystem;
-  char text[64];
-  unsigned number = 0;
-  unsigned other = 0;
-  unsigned long long wide = 0;
-  int degrees = 0;
-  LumoGpu* gpu = nullptr;
-  LumoMemory* memory = nullptr;
-  LumoVpu* vpu = nullptr;
-  LumoDevice* device = nullptr;
-  LumoPciInfo pci;
-  LumoMpcProfile profile;
-  LumoProcessMemUsage usage;
-  const LumoReturn codes[] = {
-      lumoDeviceInitGpu(&deadDevice, &gpu),
-      lumoDeviceInitMemory(&deadDevice, &memory),
-      lumoDeviceInitVpu(&deadDevice, &vpu),
-      lumoDeviceGetIndex(&deadDevice, &number),
-      lumoDeviceGetUUID(&deadDevice, text, sizeof text),
-      lumoDeviceGetName(&deadDevice, text, sizeof text),
-      lumoDeviceGetProperty(&deadDevice, &wide),
-      lumoDeviceGetPciInfo(&deadDevice, &pci),
-      lumoDeviceGetPerformanceState(&deadDevice, &number),
-      lumoDeviceCountProcessMemoryUsages(&deadDevice, &number),
-      lumoDeviceGetProcessMemoryUsages(&deadDevice, &usage, 1),
-      lumoDeviceCountMpcInstances(&deadDevice, &number),
-      lumoDeviceGetMpcInstances(&deadDevice, &device, 1),
-      lumoDeviceGetMpcParentDevice(&deadDevice, &device),
-      lumoDeviceGetMpcInstanceIndex(&deadDevice, &number),
-      lumoDeviceGetMpcProfileInfo(&deadDevice, &profile),
-      lumoGpuGetUtilization(&deadGpu, &number),
-      lumoGpuGetTemperature(&deadGpu, &degrees),
-      lumoMemoryGetTotal(&deadMemory, &wide),
-      lumoMemoryGetUsed(&deadMemory, &wide),
-      lumoMemoryGetEccMode(&deadMemory, &number, &other),
-      lumoSystemGetDriverVersion(&deadSystem, text, sizeof text),
-      lumoSystemGetProcessName(&deadSystem, 1, text, sizeof text),
-  };
-  for (const LumoReturn code : codes) {
-    EXPECT_EQ(code, LUMO_RETURN_UNKNOWN_ERROR);
-  }
-}
-
 TEST_F(EntryPointTest, APartWhoseDeviceIsGoneAnswers999) {
   startWith(DevType::kPhysical, DevArch::kTor1);
   const std::shared_ptr<lumo::Gpu> orphan = gpu(handle_)->object.lock();
