@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mutex>
+
 #include "linux/ap/misc/misc_kernel_accessor_base.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
@@ -25,12 +27,16 @@ class MiscKernelAccessorV1 : public MiscKernelAccessorBase {
   KelpReturn access(const char* recordName, MciHeader& header) const;
   /// The one line of a call that failed.
   void logFailure(const char* action, KelpReturn state) const;
+  /// Held from asking for a sample of processes until it is fetched: a device has one at a time, and who
+  /// fetches after another thread finds it empty.
+  std::mutex& sampleMutex() const { return sampleMutex_; }
 
  private:
   MkisStated<u16> scanPdu() const;
 
   u16 major_;
   u16 minor_;
+  mutable std::mutex sampleMutex_;
 };
 
 }  // namespace kelp::linux_

@@ -20,6 +20,7 @@ KelpReturn exchange(const MiscKernelAccessorV1& accessor, MciCall<Record>& call,
     call.payload.lastSeen = param.lastSeen;
     return send(accessor, call);
   };
+  const std::lock_guard lock(accessor.sampleMutex());
   for (int i = 0; i < kAsks; ++i) {
     if (const KelpReturn state = sendPhase(kProcessGpuUtilAsk); state != KelpReturn::kSuccess) {
       return state;
