@@ -1,75 +1,91 @@
-#include <atomic>
-#include <functional>
-#include <thread>
-#include <vector>
+#include <map>
+#include <string>
 
+#include "calls/ask.h"
+#include "calls/operations.h"
 #include "on_hosts/host_fixture.h"
+#include "on_hosts/in_threads.h"
 
-// A server with eight GPUs, asked by many threads at once.
+// All questions, asked by many threads at once: the answers are those that one thread gets.
 
 namespace {
 
-constexpr unsigned kThreads = 8;
-constexpr int kRounds = 20;
+using tolk_test::forAWhile;
+using tolk_test::inThreads;
+using tolk_test::kThreads;
+using tolk_test::Operation;
+using tolk_test::readings;
+using tolk_test::Subject;
 
-/// Runs a function in eight threads that start together.
-void inThreads(const std::function<void(unsigned thread)>& run) {
-  std::atomic<unsigned> waiting = kThreads;
-  std::vector<std::thread> threads;
-  for (unsigned thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&, thread] {
-      --waiting;
-      while (waiting != 0) {
-        std::this_thread::yield();
-      }
-      run(thread);
-    });
+using Answers = std::map<std::string_view, std::string>;
+
+Answers askAll(const Subject& subject) {
+  Answers answers;
+  for (const Operation& reading : readings()) {
+    answers[reading.name] = reading.ask(subject);
   }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+  return answers;
 }
 
-class ServerHost : public tolk_test::HostFixture {
- protected:
-  /// All that can be asked of one device, as one text.
-  std::string ask(unsigned index) {
-    std::string answer = name(device(index)) + " " + uuid(device(index));
-    for (const auto& part :
-         {utilization(index), temperature(index), totalMib(index), usedMib(index), eccMode(index),
-          performanceState(index), property(index), processCount(index), linkWidth(index)}) {
-      answer += " " + part;
-    }
-    return answer;
-  }
-};
-
-TEST_F(ServerHost, EightThreadsEachOnADeviceOfItsOwn) {
-  ASSERT_EQ(count(), kThreads);
-  std::vector<std::string> alone;
-  for (unsigned index = 0; index < kThreads; ++index) {
-    alone.push_back(ask(index));
-    EXPECT_EQ(alone[index].find("Unknown"), std::string::npos) << alone[index];
-  }
-  inThreads([&](unsigned thread) {
-    for (int round = 0; round < kRounds; ++round) {
-      EXPECT_EQ(ask(thread), alone[thread]);
+/// Asks all until the time is over, or an answer is another one.
+void keepAsking(const Subject& subject, const Answers& expected) {
+  bool isSame = true;
+  forAWhile([&] {
+    for (const Operation& reading : readings()) {
+      if (!isSame) {
+        return;
+      }
+      const std::string answer = reading.ask(subject);
+      isSame = answer == expected.at(reading.name);
+      EXPECT_EQ(answer, expected.at(reading.name)) << reading.name;
     }
   });
 }
 
-TEST_F(ServerHost, EightThreadsOnOneDevice) {
-  const std::string alone = ask(0);
-  inThreads([&](unsigned) {
-    for (int round = 0; round < kRounds; ++round) {
-      EXPECT_EQ(ask(0), alone);
+class ServerHost : public tolk_test::HostFixture {};
+
+TEST_F(ServerHost, EightThreadsEachOnADeviceOfItsOwn) {
+  ASSERT_EQ(count(), kThreads);
+  std::vector<Subject> subjects;
+  std::vector<Answers> alone;
+  for (unsigned index = 0; index < kThreads; ++index) {
+    subjects.push_back(Subject::of(device(index), device((index + 1) % kThreads)));
+    alone.push_back(askAll(subjects.back()));
+    for (const auto& [name, answer] : alone.back()) {
+      EXPECT_FALSE(answer.starts_with(tolk_test::kFault)) << name << ": " << answer;
     }
+  }
+  inThreads([&](unsigned thread) { keepAsking(subjects[thread], alone[thread]); });
+}
+
+TEST_F(ServerHost, EightThreadsOnOneDevice) {
+  const Subject subject = Subject::of(device(0), device(1));
+  const Answers alone = askAll(subject);
+  inThreads([&](unsigned) { keepAsking(subject, alone); });
+}
+
+TEST_F(ServerHost, ThreadsJoinAndLeaveTheLibraryWhileOthersUseIt) {
+  const Subject subject = Subject::of(device(0), device(1));
+  const Answers alone = askAll(subject);
+  inThreads([&](unsigned thread) {
+    if (thread < kThreads / 2) {
+      keepAsking(subject, alone);
+      return;
+    }
+    forAWhile([&] {
+      LumoLibrary* library = nullptr;
+      ASSERT_EQ(lumoLibraryInit(&library), LUMO_RETURN_SUCCESS);
+      LumoDevice* same = nullptr;
+      EXPECT_EQ(lumoLibraryInitDeviceByIndex(library, 0, &same), LUMO_RETURN_SUCCESS);
+      EXPECT_EQ(same, subject.device);
+      EXPECT_EQ(lumoLibraryShutDown(library), LUMO_RETURN_SUCCESS);
+    });
   });
 }
 
 TEST(ServerHostStart, EightThreadsStartAndEndTheLibrary) {
   inThreads([](unsigned thread) {
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < 20; ++round) {
       LumoLibrary* library = nullptr;
       ASSERT_EQ(lumoLibraryInit(&library), LUMO_RETURN_SUCCESS);
       unsigned number = 0;
@@ -88,6 +104,25 @@ TEST(ServerHostStart, EightThreadsStartAndEndTheLibrary) {
       EXPECT_EQ(lumoLibraryShutDown(library), LUMO_RETURN_SUCCESS);
     }
   });
+}
+
+/// A GPU and the vGPUs that it carries.
+class VgpusHostThreads : public tolk_test::HostFixture {};
+
+TEST_F(VgpusHostThreads, VgpusAreMadeOnceAndAskedByAll) {
+  const char* const uuids[] = {"c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71",
+                               "d4e0b2f3-7f40-4b6c-9d15-2e8a0b4f6c72"};
+  LumoDevice* made[kThreads] = {};
+  inThreads([&](unsigned thread) {
+    EXPECT_EQ(lumoDeviceInitVirtDevice(device(0), uuids[thread % 2], &made[thread]), LUMO_RETURN_SUCCESS);
+  });
+  for (unsigned thread = 2; thread < kThreads; ++thread) {
+    EXPECT_EQ(made[thread], made[thread % 2]);
+  }
+  const Subject subjects[] = {Subject::of(made[0], device(0)), Subject::of(made[1], device(0)),
+                              Subject::of(device(0))};
+  const Answers alone[] = {askAll(subjects[0]), askAll(subjects[1]), askAll(subjects[2])};
+  inThreads([&](unsigned thread) { keepAsking(subjects[thread % 3], alone[thread % 3]); });
 }
 
 }  // namespace
