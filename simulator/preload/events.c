@@ -51,8 +51,14 @@ int eventsOpen(const Shell* shell, const char* logical, int flags) {
   const size_t length = strcspn(gpu, "/");
   char name[48];
   char path[PATH_MAX];
-  snprintf(name, sizeof name, "%d.%u.queue", (int)getpid(), __atomic_add_fetch(&opened, 1, __ATOMIC_RELAXED));
-  if (!queuePath(shell, gpu, length, name, path) || mkfifo(path, 0600) != 0) {
+  int made;
+  // Names of an earlier program with the same number may be there still.
+  do {
+    snprintf(name, sizeof name, "%d.%u.queue", (int)getpid(),
+             __atomic_add_fetch(&opened, 1, __ATOMIC_RELAXED));
+    made = queuePath(shell, gpu, length, name, path) ? mkfifo(path, 0600) : -1;
+  } while (made != 0 && errno == EEXIST);
+  if (made != 0) {
     errno = EIO;
     return -1;
   }
@@ -79,7 +85,7 @@ void eventsDrop(const Shell* shell, uint32_t gpuIndex) {
   char gpu[16];
   char path[PATH_MAX];
   const size_t length = (size_t)snprintf(gpu, sizeof gpu, "gpu%u", gpuIndex);
-  if (queuePath(shell, gpu, length, "waiting", path) && syscall(SYS_truncate, path, 0) != 0) return;
+  if (queuePath(shell, gpu, length, "waiting", path)) syscall(SYS_unlinkat, AT_FDCWD, path, 0);
   if (!queuePath(shell, gpu, length, "", path)) return;
   DIR* const folder = REAL(Open, "opendir")(path);
   if (!folder) return;

@@ -102,6 +102,27 @@ SHELL_EXPORT int statx(int folder, const char* path, int flags, unsigned mask, s
   return (int)result;
 }
 
+// ---- extended attributes: files of the host have none
+
+#define DEFINE_ATTRIBUTES(name, parameters, ...)                                                            \
+  SHELL_EXPORT ssize_t name parameters {                                                                    \
+    Access look;                                                                                            \
+    if (!accessBegin(&look, "stat", path, ACCESS_LOOK)) return REAL(Attributes_##name, #name)(__VA_ARGS__); \
+    if (!look.fault.error) look.fault.error = ENOTSUP;                                                      \
+    accessFail(&look);                                                                                      \
+    return accessEnd(&look, -1);                                                                            \
+  }
+typedef ssize_t (*Attributes_getxattr)(const char*, const char*, void*, size_t);
+typedef Attributes_getxattr Attributes_lgetxattr;
+typedef ssize_t (*Attributes_listxattr)(const char*, char*, size_t);
+typedef Attributes_listxattr Attributes_llistxattr;
+DEFINE_ATTRIBUTES(getxattr, (const char* path, const char* name, void* value, size_t size), path, name, value,
+                  size)
+DEFINE_ATTRIBUTES(lgetxattr, (const char* path, const char* name, void* value, size_t size), path, name,
+                  value, size)
+DEFINE_ATTRIBUTES(listxattr, (const char* path, char* names, size_t size), path, names, size)
+DEFINE_ATTRIBUTES(llistxattr, (const char* path, char* names, size_t size), path, names, size)
+
 // ---- file systems
 
 #define DEFINE_STATFS(name, type)                                \

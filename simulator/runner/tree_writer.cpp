@@ -109,7 +109,7 @@ void TreeWriter::writeGeneral(const Host& host) {
 void TreeWriter::writeEvents(const Host& host) {
   for (size_t i = 0; i < host.functions.size(); ++i) {
     const std::string queue = "/gpu" + std::to_string(i);
-    events.addFile(queue + "/waiting", host.functions[i].events);
+    if (!host.functions[i].events.empty()) events.addFile(queue + "/waiting", host.functions[i].events);
     events.addFile(queue + "/uuid", host.functions[i].uuid);
   }
   for (const auto& [uuid, records] : host.faultRecords) {
