@@ -47,8 +47,14 @@ Device::~Device() {
 std::shared_ptr<Device> Device::create(std::string key, std::shared_ptr<kelp::DeviceObj> deviceObj,
                                        std::shared_ptr<kelp::DeviceManager> deviceManager,
                                        const std::shared_ptr<Device>& mpcParent) {
-  const std::shared_ptr<Device> device(
-      new Device(std::move(key), std::move(deviceObj), std::move(deviceManager), mpcParent));
+  struct Made final : Device {
+    Made(std::string ownKey, std::shared_ptr<kelp::DeviceObj> object,
+         std::shared_ptr<kelp::DeviceManager> manager, const std::shared_ptr<Device>& parent)
+        : Device(std::move(ownKey), std::move(object), std::move(manager), parent) {}
+  };
+  // In one block with its count, so that its address is not used again while a handle remembers it.
+  const std::shared_ptr<Device> device =
+      std::make_shared<Made>(std::move(key), std::move(deviceObj), std::move(deviceManager), mpcParent);
   device->addComponent(std::make_shared<Gpu>(0, device));
   device->addComponent(std::make_shared<Memory>(0, device));
   device->addComponent(std::make_shared<Vpu>(0, device));

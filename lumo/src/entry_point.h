@@ -201,19 +201,22 @@ LumoReturn giveHandle(const std::shared_ptr<Object>& object, Cell** handle, Lumo
   return LUMO_RETURN_SUCCESS;
 }
 
-/// Handles of a list of objects, all or none.
-template <class Cell, class Object>
-std::vector<Cell*> giveHandles(const std::vector<std::shared_ptr<Object>>& objects, LumoReturn* status) {
-  try {
-    std::vector<Cell*> handles(objects.size());
-    for (std::size_t i = 0; i < objects.size() && *status == LUMO_RETURN_SUCCESS; ++i) {
-      *status = giveHandle(objects[i], &handles[i], LUMO_RETURN_NOT_FOUND);
+/// An operation that finds objects, as one that gives their handles, all or none.
+template <class Cell, class Operation>
+auto asHandles(Operation operation) {
+  return [=](auto& object, LumoReturn* status) -> std::vector<Cell*> {
+    try {
+      const auto found = std::invoke(operation, object, status);
+      std::vector<Cell*> handles(found.size());
+      for (std::size_t i = 0; i < found.size() && *status == LUMO_RETURN_SUCCESS; ++i) {
+        *status = giveHandle(found[i], &handles[i], LUMO_RETURN_NOT_FOUND);
+      }
+      return handles;
+    } catch (const std::bad_alloc&) {
+      *status = LUMO_RETURN_INSUFFICIENT_MEMORY;
+      return {};
     }
-    return handles;
-  } catch (const std::bad_alloc&) {
-    *status = LUMO_RETURN_INSUFFICIENT_MEMORY;
-    return {};
-  }
+  };
 }
 
 template <class Cell, class OtherCell, class Operation>
@@ -221,8 +224,13 @@ LumoReturn getHandle(const Cell* handle, OtherCell** other, LumoReturn whenNull,
   if (handle == nullptr || other == nullptr) {
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
-  return callObject(handle, operation,
-                    [=](const auto& object) { return giveHandle(object, other, whenNull); });
+  try {
+    return callObject(handle, operation,
+                      [=](const auto& object) { return giveHandle(object, other, whenNull); });
+  } catch (const std::bad_alloc&) {
+    *other = nullptr;
+    return LUMO_RETURN_INSUFFICIENT_MEMORY;
+  }
 }
 
 /// The release calls of old, which free nothing.

@@ -143,16 +143,15 @@ LumoReturn lumoDeviceGetDeviceByTopologyLevel(LumoDevice* device, unsigned level
   if (capacity == 0) {
     return LUMO_RETURN_INSUFFICIENT_SIZE;
   }
-  // sic: one more than there are
   const auto operation = [level, capacity](const Device& object, LumoReturn* status) {
-    const std::vector<std::shared_ptr<Device>> found = findAtLevel(object, level, status);
+    std::vector<std::shared_ptr<Device>> found = findAtLevel(object, level, status);
+    // sic: the caller needs room for one more than there are
     if (*status == LUMO_RETURN_SUCCESS && found.size() >= capacity) {
       *status = LUMO_RETURN_INSUFFICIENT_SIZE;
     }
-    return *status == LUMO_RETURN_SUCCESS ? lumo::giveHandles<LumoDevice>(found, status)
-                                          : std::vector<LumoDevice*>();
+    return found;
   };
-  return lumo::getList(device, devices, capacity, operation);
+  return lumo::getList(device, devices, capacity, lumo::asHandles<LumoDevice>(operation));
 }
 
 LumoReturn lumoDeviceCountPciNicDevices(LumoDevice* device, unsigned* count) {

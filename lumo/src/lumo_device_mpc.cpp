@@ -3,6 +3,7 @@
 #include "capability.h"
 #include "entry_point.h"
 
+using lumo::asHandles;
 using lumo::Device;
 using lumo::isMpcCapable;
 using lumo::isMpcInstance;
@@ -29,10 +30,6 @@ void setSupportedConfiguration(const Device& device, unsigned id, LumoReturn* st
   device.setMpcConfiguration(id, status);
 }
 
-std::vector<LumoDevice*> giveChildren(const Device& device, LumoReturn* status) {
-  return lumo::giveHandles<LumoDevice>(device.getMpcChildren(status), status);
-}
-
 std::vector<std::shared_ptr<Device>> findChildren(const Device& device, unsigned profileId,
                                                   LumoReturn* status) {
   std::vector<std::shared_ptr<Device>> found;
@@ -46,10 +43,6 @@ std::vector<std::shared_ptr<Device>> findChildren(const Device& device, unsigned
     }
   }
   return found;
-}
-
-std::vector<LumoDevice*> giveFoundChildren(const Device& device, unsigned profileId, LumoReturn* status) {
-  return lumo::giveHandles<LumoDevice>(findChildren(device, profileId, status), status);
 }
 
 }  // namespace
@@ -107,7 +100,8 @@ LumoReturn lumoDeviceCountMpcInstances(LumoDevice* device, unsigned* count) {
 }
 
 LumoReturn lumoDeviceGetMpcInstances(LumoDevice* device, LumoDevice** instances, unsigned capacity) {
-  return lumo::getList(device, instances, capacity, onlyFor(isMpcParent, &giveChildren));
+  return lumo::getList(device, instances, capacity,
+                       onlyFor(isMpcParent, asHandles<LumoDevice>(&Device::getMpcChildren)));
 }
 
 LumoReturn lumoDeviceCountMpcInstanceByProfile(LumoDevice* device, unsigned profileId, unsigned* count) {
@@ -117,7 +111,7 @@ LumoReturn lumoDeviceCountMpcInstanceByProfile(LumoDevice* device, unsigned prof
 LumoReturn lumoDeviceGetMpcInstanceByProfile(LumoDevice* device, unsigned profileId, LumoDevice** instances,
                                              unsigned capacity) {
   return lumo::getList(device, instances, capacity,
-                       onlyFor(isMpcParent, with(&giveFoundChildren, profileId)));
+                       onlyFor(isMpcParent, asHandles<LumoDevice>(with(&findChildren, profileId))));
 }
 
 LumoReturn lumoDeviceGetMpcParentDevice(LumoDevice* device, LumoDevice** parent) {

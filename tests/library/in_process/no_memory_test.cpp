@@ -70,6 +70,46 @@ TEST_F(NoMemoryTest, EveryHandleThatCannotBeMadeIsRefused) {
   EXPECT_GE(refusals<LumoVpu>([&](auto** out) { return lumoDeviceInitVpu(gpu, out); }), 2);
 }
 
+TEST_F(NoMemoryTest, EveryTextThatNamesADeviceMayFindNoMemory) {
+  addGpuAt(0x40, 0, "a uuid too long to stand in a string itself");
+  mustStart();
+  EXPECT_GE(refusals<LumoDevice>([&](auto** out) {
+              return lumoLibraryInitDeviceByUuid(library_, "a uuid too long to stand in a string itself",
+                                                 out);
+            }),
+            3);
+}
+
+TEST_F(NoMemoryTest, AListOfHandlesThatCannotBeMadeIsRefused) {
+  addMpc();
+  mustStart();
+  LumoDevice* const parent = deviceOf("uuid-2");
+  LumoReturn status = LUMO_RETURN_INSUFFICIENT_MEMORY;
+  int refused = -1;
+  for (int room = 0; status == LUMO_RETURN_INSUFFICIENT_MEMORY; ++room, ++refused) {
+    LumoDevice* devices[2] = {nullptr, nullptr};
+    allowance = room;
+    status = lumoDeviceGetMpcInstances(parent, devices, 2);
+    allowance = -1;
+    EXPECT_EQ(devices[0] != nullptr, status == LUMO_RETURN_SUCCESS);
+  }
+  EXPECT_EQ(status, LUMO_RETURN_SUCCESS);
+  EXPECT_GE(refused, 2);
+}
+
+TEST_F(NoMemoryTest, ASampleThatCannotBeMadeIsRefused) {
+  mustStart();
+  LumoPfmSample* sample = nullptr;
+  for (const int room : {0, 1}) {
+    allowance = room;
+    const LumoReturn status = lumoPfmSampleAlloc(&sample);
+    allowance = -1;
+    EXPECT_EQ(status, LUMO_RETURN_INSUFFICIENT_MEMORY);
+    EXPECT_EQ(sample, nullptr);
+  }
+  EXPECT_EQ(lumoPfmSampleAlloc(&sample), LUMO_RETURN_SUCCESS);
+}
+
 TEST_F(NoMemoryTest, ALibraryThatCannotBeMadeIsRefused) {
   addGpu(0);
   for (const int room : {0, 1}) {
