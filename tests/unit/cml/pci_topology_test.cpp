@@ -288,6 +288,13 @@ TEST_F(PciNicTest, AdapterThatLeadsNowhereFailsTheList) {
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> realpath  /sys/class/infiniband/mlx5_0  failed "));
 }
 
+TEST_F(PciNicTest, FirstAdapterThatFailsEndsTheWalk) {
+  link("/sys/class/infiniband/mlx5_0", "/sys/devices/nowhere");
+  link("/sys/class/infiniband/mlx5_1", "/sys/devices/nowhere");
+  EXPECT_EQ(getPciNicDevicesSbdf().state(), KelpReturn::kFailure);
+  EXPECT_EQ(log_.count(">> realpath "), 1U);
+}
+
 TEST_F(PciNicTest, AdapterOutsideTheTreeFailsTheList) {
   link("/sys/class/infiniband/mlx5_0", "/sys");
   EXPECT_EQ(getPciNicDevicesSbdf().state(), KelpReturn::kFailure);
