@@ -13,6 +13,8 @@ constexpr float kCandidateRates[] = {60.0F, 30.0F};
 /// The first family drives its largest mode, 7680 x 4320, at a rate that is no candidate.
 constexpr unsigned int kWoldLargestVertical = 4320;
 constexpr float kWoldLargestModeRate = 25.0F;
+/// The number that the family after the last known one will have.
+constexpr auto kNextFamily = static_cast<DevArch>(5);
 constexpr std::uint32_t kHertzPerClockUnit = 100000;
 
 }  // namespace
@@ -58,7 +60,7 @@ Stated<DispIntfSpec> DispFeatObj::dispRaw2Spec(const DispInterfaceInfo& row) con
 Stated<float> DispFeatObj::estimateMaxRefreshRate(unsigned int pixelClock, unsigned int horizontal,
                                                   unsigned int vertical) const {
   const DevArch arch = model().getCuid().arch;
-  if (arch == DevArch::kUnknown || arch == static_cast<DevArch>(5)) {
+  if (arch == DevArch::kUnknown || arch == kNextFamily) {
     KELP_LOG(kError) << "Unsupported arch!";
   }
   if (arch == DevArch::kWold && vertical == kWoldLargestVertical) {
