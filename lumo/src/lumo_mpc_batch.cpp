@@ -1,5 +1,6 @@
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -8,8 +9,8 @@
 #include "library.h"
 
 // Division of several GPUs in one call. Every step that makes the driver's devices anew ends all handles
-// and the enumeration, so that the next step begins with a fresh one; GPUs are known by their uuids
-// meanwhile.
+// and the enumeration, so that the next step begins with a fresh one. Meanwhile a GPU is known by its key,
+// not by its uuid, which another one may have as well.
 
 namespace {
 
@@ -25,8 +26,7 @@ using Divisions = std::map<std::string, Division>;
 
 LumoReturn readDivision(LumoDevice* device, unsigned configurationId, Divisions* divisions) {
   unsigned long long property = 0;
-  LumoReturn status = lumoDeviceGetProperty(device, &property);
-  if (status != LUMO_RETURN_SUCCESS) {
+  if (const LumoReturn status = lumoDeviceGetProperty(device, &property); status != LUMO_RETURN_SUCCESS) {
     return status;
   }
   const bool undivided =
@@ -34,23 +34,24 @@ LumoReturn readDivision(LumoDevice* device, unsigned configurationId, Divisions*
   if (!undivided && !lumo::isMpcParent(property)) {
     return LUMO_RETURN_NOT_SUPPORTED;
   }
-  char uuid[LUMO_UUID_SIZE];
-  status = lumoDeviceGetUUID(device, uuid, sizeof uuid);
-  if (status == LUMO_RETURN_SUCCESS) {
-    divisions->insert_or_assign(uuid, Division{.configurationId = configurationId, .property = property});
+  const std::shared_ptr<lumo::Device> object = device->object.lock();
+  if (object == nullptr) {
+    return LUMO_RETURN_UNKNOWN_ERROR;
   }
-  return status;
+  divisions->insert_or_assign(object->getKey(),
+                              Division{.configurationId = configurationId, .property = property});
+  return LUMO_RETURN_SUCCESS;
 }
 
 /// Runs an operation on the handle of a GPU, after an enumeration where there is none.
-LumoReturn runOn(LumoLibrary* library, const std::string& uuid,
+LumoReturn runOn(LumoLibrary* library, const std::string& key,
                  const std::function<LumoReturn(LumoDevice*)>& operation) {
   LumoReturn status = LUMO_RETURN_SUCCESS;
   if (!library->object->initialize(&status)) {
     return status;
   }
   LumoDevice* device = nullptr;
-  status = lumoLibraryInitDeviceByUuid(library, uuid.c_str(), &device);
+  status = lumoLibraryInitDeviceByUuid(library, key.c_str(), &device);
   return status == LUMO_RETURN_SUCCESS ? operation(device) : status;
 }
 
@@ -59,16 +60,16 @@ void forgetDevices(LumoLibrary* library) {
   library->object->shutDown();
 }
 
-LumoReturn divide(LumoLibrary* library, const std::string& uuid, const Division& division) {
+LumoReturn divide(LumoLibrary* library, const std::string& key, const Division& division) {
   if (division.property < kNoSwitchNeeded) {
     const LumoReturn status =
-        runOn(library, uuid, [](LumoDevice* device) { return lumoDeviceSetMpcMode(device, 1); });
+        runOn(library, key, [](LumoDevice* device) { return lumoDeviceSetMpcMode(device, 1); });
     if (status != LUMO_RETURN_SUCCESS) {
       return status;
     }
     forgetDevices(library);
   }
-  const LumoReturn status = runOn(library, uuid, [&division](LumoDevice* device) {
+  const LumoReturn status = runOn(library, key, [&division](LumoDevice* device) {
     return lumoDeviceSetMpcConfiguration(device, division.configurationId);
   });
   if (status == LUMO_RETURN_SUCCESS) {
@@ -92,9 +93,9 @@ LumoReturn lumoLibrarySetMpcConfigurationInBatch(LumoLibrary* library, unsigned 
     }
   }
   std::vector<std::string> touched;
-  for (const auto& [uuid, division] : divisions) {
-    touched.push_back(uuid);
-    const LumoReturn status = divide(library, uuid, division);
+  for (const auto& [key, division] : divisions) {
+    touched.push_back(key);
+    const LumoReturn status = divide(library, key, division);
     if (status == LUMO_RETURN_SUCCESS) {
       continue;
     }

@@ -103,6 +103,18 @@ TEST_F(MpcBatchTest, AGpuWithLinksIsNeverSwitched) {
   EXPECT_EQ(steps_, (Steps{"off 0"}));
 }
 
+TEST_F(MpcBatchTest, GpusOfOneUuidAreToldApart) {
+  addCapable(0);
+  addCapable(1);
+  kelp::DevDesc twin = platform_.descOf[1].value();
+  twin.uuid = "uuid-0";
+  platform_.descOf[1] = twin;
+  mustStart();
+  EXPECT_EQ(divide({1, 2}), LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(steps_, (Steps{"on 1", "configure 1 2", "on 0", "configure 0 1"}))
+      << "the second one goes by its address, which comes first";
+}
+
 TEST_F(MpcBatchTest, OneThatCannotBeDividedStopsTheBatchBeforeItBegins) {
   addCapable(0);
   addGpu(1, DevType::kPhysical, DevArch::kFen2);
