@@ -15,8 +15,8 @@
  * instances, a mediated device (a vGPU seen from its host) or, in a virtual machine, a guest device;
  * lumoDeviceGetProperty tells which. Below, "every device" means all of these but mediated ones, which
  * answer only where they are named. What a kind of device lacks is LUMO_RETURN_NOT_SUPPORTED, and so is
- * what its driver does not know. GPU and memory of a divided GPU of the Tor1 family are not seen at all:
- * its parent and instances answer LUMO_RETURN_NOT_SUPPORTED there, also where "every device" answers.
+ * what its driver does not know. A divided GPU of the Tor1 family lacks GPU, memory, VPU, fans, displays,
+ * slot, bus counters, peers, links and vGPUs in its parent and instances, also where "every device" answers.
  *
  * Codes.  A question that goes to the driver can fail with any of the codes but those that concern the
  * caller's arguments; the functions below name only what has a meaning of its own.
@@ -167,7 +167,7 @@ LumoReturn lumoLibraryCountDevice(LumoLibrary *library, unsigned *count);
 LumoReturn lumoLibraryInitSystem(LumoLibrary *library, LumoSystem **system);
 
 /**
- * Devices are in ascending order of PCI address; an MPC parent comes before its instances.
+ * Devices are in ascending order of PCI address, and those of one address in that of lumoDeviceGetIntId.
  * @return NOT_FOUND for an index at or past the count
  */
 LumoReturn lumoLibraryInitDeviceByIndex(LumoLibrary *library, unsigned index, LumoDevice **device);
@@ -304,7 +304,7 @@ LumoReturn lumoDeviceGetUsableCores(LumoDevice *device, unsigned long long *mask
 LumoReturn lumoDeviceCountCoreUnits(LumoDevice *device, unsigned *count);
 LumoReturn lumoDeviceGetCoreUnits(LumoDevice *device, unsigned *units, unsigned capacity);
 
-/** Paths of the device's nodes, such as "/dev/ovgpu.0"; 64 bytes hold one. Of every device. */
+/** Nodes, such as "/dev/ovgpu.0", in 64 bytes, of every device; MPC parents have no card and render node. */
 LumoReturn lumoDeviceGetMiscPath(LumoDevice *device, char *path, unsigned length);
 LumoReturn lumoDeviceGetCardPath(LumoDevice *device, char *path, unsigned length);
 LumoReturn lumoDeviceGetRenderPath(LumoDevice *device, char *path, unsigned length);
@@ -790,7 +790,7 @@ LumoReturn lumoGpuGetTemperature(LumoGpu *gpu, int *temperature);
 /** The same of the family's first (0) or second (1) sensor; other numbers are NOT_SUPPORTED. */
 LumoReturn lumoGpuGetSensorTemperature(LumoGpu *gpu, unsigned sensor, int *temperature);
 
-/** The same of the hottest sensor, of physical GPUs and MPC parents. */
+/** The same of the hottest sensor, of physical GPUs and MPC parents from the Fen1 family on. */
 LumoReturn lumoGpuGetMaxTemperature(LumoGpu *gpu, int *temperature);
 
 /** Megahertz, of every device; the maximum of the model OVT B230E alone. */
@@ -983,7 +983,7 @@ typedef struct LumoEventData {
   LumoXidRecord record;
 } LumoEventData;
 
-/** Mask of the events that the device reports, of every device: 0 for all but physical GPUs. */
+/** Mask of the events that a device reports, mediated ones too: 0 for all but physical GPUs. */
 LumoReturn lumoDeviceGetSupportedEventTypes(LumoDevice *device, unsigned long long *types);
 
 /**
