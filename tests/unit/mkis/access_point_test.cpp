@@ -419,6 +419,22 @@ TEST_F(AccessPointTest, CommandsSayWhyThereIsNoAgreement) {
   EXPECT_EQ(point.doExec(QueryMemUsageCmd()).state(), KelpReturn::kDriverTooOld);
 }
 
+TEST_F(AccessPointTest, PciFactsOfTheDriverAreTakenAsTheyAre) {
+  driver_.listed.push_back({6, 1, 1});
+  driver_.on(6, [](std::uint8_t* payload) {
+    put<std::uint16_t>(payload, 2, 0x0231);
+    return 0U;
+  });
+  bindFunction();
+  AccessPoint point(cuid());
+  ASSERT_TRUE(point.init().ok());
+  const auto info = point.doExec(QueryPcieInfoCmd());
+  ASSERT_TRUE(info.ok());
+  EXPECT_EQ(info.value().deviceId.value(), 0x0231U) << "sysfs says 0x0230";
+  EXPECT_EQ(info.value().busWidth.state(), KelpReturn::kNotSupported) << "the driver does not tell it";
+  EXPECT_FALSE(log_.has("get pci info from kmd error"));
+}
+
 TEST_F(AccessPointTest, PciFactsComeFromSysfsWhenTheDriverFails) {
   const std::string function = "/sys/devices/pci0000:00/0000:41:00.0/";
   bindFunction();
@@ -436,6 +452,14 @@ TEST_F(AccessPointTest, PciFactsComeFromSysfsWhenTheDriverFails) {
   ASSERT_TRUE(info.ok());
   EXPECT_EQ(info.value().deviceId.value(), 0x0230U);
   EXPECT_EQ(info.value().maxLinkWidth.value(), 16U);
+
+  driver_.listed.push_back({6, 1, 1});
+  driver_.on(6, [](std::uint8_t*) { return 11U; });
+  AccessPoint listed(cuid());
+  ASSERT_TRUE(listed.init().ok());
+  EXPECT_EQ(listed.doExec(QueryPcieInfoCmd()).value().deviceId.value(), 0x0230U);
+  EXPECT_EQ(driver_.called(6), 1U);
+  EXPECT_TRUE(log_.has(LogLevel::kError, ">> get pci info from kmd error. error state is  8 "));
 }
 
 TEST_F(AccessPointTest, PciFactsOfADeviceThatSysfsLacksFail) {
