@@ -13,8 +13,8 @@ namespace kelp::linux_ {
 /// Speaks one protocol on an open misc node, which it owns and closes.
 ///
 /// Its slots list, per interface, the versions that it can speak with the operation of each; an empty
-/// list says that the protocol has no such interface. Holds no lock and keeps nothing between calls:
-/// every operation fills a record of its own.
+/// list says that the protocol has no such interface. Keeps nothing of the driver's between calls: every
+/// operation fills a record of its own.
 class MiscKernelAccessorBase {
  public:
   explicit MiscKernelAccessorBase(NodeFile node) : node_(std::move(node)) {}
