@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
-"""Runs a program on a simulated host again and again, each time with one question to the driver, or
-one path, failing.
+"""Runs a program on a simulated host again and again, each time with one kind of question to the driver, or
+one kind of path, failing in one of the ways that there are.
 
-usage: fault_walk.py --simulator FILE --host HOST PROGRAM
+usage: fault_walk.py --simulator FILE --host HOST [--ways N] PROGRAM
+
+A kind of question is an interface: it fails on all nodes at once. What a start asks of every node fails on
+one node as well. A kind of path is that of all devices. With --ways each kind fails in N ways, by turns.
 
 Exit status: 0 when every run ended with 0. A PCI function whose file "device" holds no number may end a
 program by SIGABRT.
@@ -11,15 +14,23 @@ import argparse
 import concurrent.futures
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
 
-IOCTL_EFFECTS = ["errno=EIO", "status=5", "ones", "short=30", "count=65535", "gone"]
-PROBE_EFFECTS = ["errno=EIO", "ones", "gone"]
-FILE_EFFECTS = ["errno=EACCES", "cut=1", "text="]
-LONGEST_SECONDS = 30
+IOCTL_WAYS = ["errno=EIO", "status=5", "status=7", "status=99", "ones", "short=30", "short=60", "count=65535",
+              "count=1", "gone"]
+OTHER_IOCTL_WAYS = ["errno=EIO", "status=9", "ones", "short=10", "count=65535", "gone"]
+FILE_WAYS = ["errno=EACCES", "errno=ENOENT", "cut=1", "text=", "text=-1", "text=99999999999999999999",
+             "text=" + "A" * 5000, r"text=\0\xff\xff,=-,=:."]
+NODE_WAYS = ["errno=EACCES", "errno=ENODEV"]
+PROOF = ".ovgpu-sim"
+# Long lists of interfaces take their time on a busy machine.
+LONGEST_SECONDS = 120
 ABORTED = 134
+# Parts of a path that differ from device to device.
+OWN_PARTS = re.compile(r"[0-9a-f]{8}-[0-9a-f-]{27}|[0-9a-f]{4}:[0-9a-f]{2}:[0-9a-f]{2}\.[0-9a-f]|\d+")
 
 
 def simulate(args, extra):
@@ -28,7 +39,7 @@ def simulate(args, extra):
 
 
 def accesses(args):
-    """The questions that the program asks, as selections of ioctls, and the paths that it touches."""
+    """What the program asks, as selections of ioctls, and the globs of the paths that it touches."""
     with tempfile.TemporaryDirectory() as folder:
         trace = pathlib.Path(folder) / "trace"
         run = simulate(args, ["--trace", str(trace)])
@@ -36,26 +47,38 @@ def accesses(args):
             sys.exit(f"{args.program} fails without a fault:\n{run.stdout.decode(errors='replace')}")
         lines = [line.split() for line in trace.read_text().splitlines()]
     # "ioctl NODE KIND ..." or, for a call of an interface, "ioctl NODE record INTERFACE ...".
-    records = {(line[1], line[3]) for line in lines if line[0] == "ioctl" and line[2] == "record"}
-    others = {(line[1], line[2]) for line in lines if line[0] == "ioctl" and line[2] != "record"}
-    questions = [f"node={node},interface={number}" for node, number in sorted(records)]
-    probes = [f"node={node},kind={kind}" for node, kind in sorted(others)]
-    paths = sorted({line[1] for line in lines if line[0] != "ioctl" and ".ovgpu-sim" not in line[1]})
-    return questions, probes, paths
+    asked = [line for line in lines if line[0] == "ioctl"]
+    records = sorted({f"interface={line[3]}" for line in asked if line[2] == "record"})
+    others = {f"kind={line[2]}" for line in asked if line[2] != "record"}
+    others |= {f"node={line[1]},kind={line[2]}" for line in asked if line[2] != "record"}
+    others |= {f"node={line[1]}" for line in asked}
+    paths = sorted({OWN_PARTS.sub("*", line[1]) for line in lines if line[0] != "ioctl" and PROOF not in line[1]})
+    return records, sorted(others), paths
+
+
+def faults_of(args):
+    """Every fault with the exit statuses that it allows, and how they come about."""
+    records, others, paths = accesses(args)
+    kinds = [(f"ioctl({question})", IOCTL_WAYS, {0}) for question in records]
+    kinds += [(f"ioctl({question})", OTHER_IOCTL_WAYS, {0}) for question in others]
+    kinds += [(f"file({path})", NODE_WAYS if path.startswith("/dev/") else FILE_WAYS,
+               {0, ABORTED} if path.endswith("/device") else {0}) for path in paths]
+    faults = []
+    for number, (target, ways, allowed) in enumerate(kinds):
+        count = min(args.ways or len(ways), len(ways))
+        faults += [(f"{target}:{ways[(number * count + i) % len(ways)]}", allowed) for i in range(count)]
+    return faults, f"{len(records)} interfaces, {len(others)} other selections and {len(paths)} paths"
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--host", required=True)
+    parser.add_argument("--ways", type=int)
     parser.add_argument("program")
     args = parser.parse_args()
 
-    questions, probes, paths = accesses(args)
-    faults = [(f"ioctl({question}):{effect}", {0}) for question in questions for effect in IOCTL_EFFECTS]
-    faults += [(f"ioctl({probe}):{effect}", {0}) for probe in probes for effect in PROBE_EFFECTS]
-    faults += [(f"file({path}):{effect}", {0, ABORTED} if path.endswith("/device") else {0})
-               for path in paths for effect in FILE_EFFECTS]
+    faults, kinds = faults_of(args)
 
     def failure(fault):
         spec, allowed = fault
@@ -69,8 +92,7 @@ def main():
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         failures = [text for text in pool.map(failure, faults) if text]
-    print(f"{len(faults)} faults in {len(questions)} questions, {len(probes)} probes and {len(paths)} paths: "
-          f"{len(failures)} failures")
+    print(f"{len(faults)} faults in {kinds}: {len(failures)} failures")
     print("\n".join(failures[:5]))
     return 1 if failures else 0
 

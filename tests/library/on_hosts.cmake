@@ -38,7 +38,7 @@ target_link_libraries(library_plain_c_test PRIVATE lumo)
 
 # Calls everything and only survives.
 tolk_executable(library_walk walk.cpp)
-target_link_libraries(library_walk PRIVATE lumo)
+target_link_libraries(library_walk PRIVATE library_calls)
 
 if(TARGET ovgpu-sim)
   find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
@@ -88,10 +88,20 @@ if(TARGET ovgpu-sim)
   add_test(NAME library.plain_c COMMAND ovgpu-sim --host bare -- $<TARGET_FILE:library_plain_c_test>)
   set_tests_properties(library.plain_c PROPERTIES LABELS library TIMEOUT 120)
 
-  foreach(host mpc guest)
+  # What every function is tested for. On the hosts with many kinds of devices the ways to fail go by turns.
+  add_test(NAME library.uncalled
+    COMMAND Python3::Interpreter -IS "${CMAKE_CURRENT_SOURCE_DIR}/uncalled.py"
+      "${PROJECT_SOURCE_DIR}/lumo/include/lumo.h" "${CMAKE_CURRENT_SOURCE_DIR}")
+  set_tests_properties(library.uncalled PROPERTIES LABELS library TIMEOUT 60)
+
+  foreach(host bare guest mpc vgpu-host)
+    set(ways "")
+    if(host MATCHES "mpc|vgpu-host")
+      set(ways --ways 3)
+    endif()
     add_test(NAME library.faults_${host}
       COMMAND Python3::Interpreter -IS "${CMAKE_CURRENT_SOURCE_DIR}/fault_walk.py"
-        --simulator $<TARGET_FILE:ovgpu-sim> --host ${host} $<TARGET_FILE:library_walk>)
-    set_tests_properties(library.faults_${host} PROPERTIES LABELS library TIMEOUT 600)
+        --simulator $<TARGET_FILE:ovgpu-sim> --host ${host} ${ways} $<TARGET_FILE:library_walk>)
+    set_tests_properties(library.faults_${host} PROPERTIES LABELS library TIMEOUT 900)
   endforeach()
 endif()

@@ -156,6 +156,11 @@ TEST_F(ValuesHost, StoredEventsComeNewestFirst) {
   const std::string newest = head + "31 17 1763660000 4242 mmu fault at 0x7f00";
   EXPECT_EQ(stored(1), newest);
   EXPECT_EQ(stored(3), newest + "; " + head + "13 8 1763650000 0 ");
+  unsigned written = 0;
+  LumoEventData events[8];
+  EXPECT_EQ(lumoDeviceGetEventDataByEventType(device(kTor1), LUMO_EVENT_XID, events, 8, &written),
+            LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(written, file_.at("/gpus/0/xid_records").size());
   EXPECT_EQ(ask(of(kTor1), lumoDeviceGetSupportedEventTypes), text(LUMO_EVENT_XID));
 }
 
@@ -170,6 +175,9 @@ TEST_F(ValuesHost, EventsOfARemovedGpuAreFoundByItsUuid) {
   EXPECT_EQ(stored("00000000-0000-0000-0000-00000000ffff"), "refused 999");
   unsigned written = 0;
   LumoEventData event;
+  EXPECT_EQ(lumoGetTargetUuidEventDataByEventType(uuid.c_str(), LUMO_EVENT_XID, &event, 1, &written),
+            LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(written, 1U);
   EXPECT_EQ(lumoGetTargetUuidEventDataByEventType(uuid.c_str(), 2, &event, 1, &written),
             LUMO_RETURN_NOT_SUPPORTED);
 }

@@ -112,6 +112,11 @@ TEST_F(VgpusHost, AVgpuTellsWhatItsGuestSees) {
             tolds(0, {"vgpus/0/overcommit", "vgpus/0/overcommit_memory"}));
   EXPECT_EQ(ask(second, lumoDeviceGetVgpuOverCommitInfo), "0 0");
   EXPECT_EQ(ask(first, lumoMemoryGetTotal), "refused 4");
+  EXPECT_EQ(ask(first, lumoDeviceCountProcessMemoryUsages), "refused 4");
+  EXPECT_EQ(ask(first, lumoDeviceCountProcessGpuUtilizations), "refused 4");
+  EXPECT_EQ(ask(first, lumoDeviceCountSupportedVirtTypes), "refused 4") << "it carries none";
+  EXPECT_EQ(ask(first, lumoDeviceCountAvailableVirtTypes), "refused 4");
+  EXPECT_EQ(ask(first, lumoDeviceCountActiveVirtDevices), "refused 4");
 }
 
 TEST_F(VgpusHost, AVgpuHasSessionsOfItsOwn) {
