@@ -117,24 +117,26 @@ void printEvents(int queue) {
   std::printf("empty %zd\n", got);
 }
 
+bool isReadable(int queue) {
+  const int poll = epoll_create1(0);
+  epoll_event event{};
+  event.events = EPOLLIN;
+  epoll_ctl(poll, EPOLL_CTL_ADD, queue, &event);
+  const bool isReady = epoll_wait(poll, &event, 1, 0) == 1;
+  close(poll);
+  return isReady;
+}
+
 int events(const std::string& gpu, int count, const std::string& command) {
   std::vector<int> queues;
   const std::string path = "/proc/driver/vela/gpu" + gpu + "/event_report";
   for (int i = 0; i < count; ++i) queues.push_back(open(path.c_str(), O_RDONLY));
-  const int poll = epoll_create1(0);
-  epoll_event event{};
-  event.events = EPOLLIN;
-  epoll_ctl(poll, EPOLL_CTL_ADD, queues.front(), &event);
   if (command != ":") {
     for (const int queue : queues) printEvents(queue);
     if (std::system(command.c_str()) != 0) return 1;
   }
   for (const int queue : queues) {
-    const bool isReady = epoll_wait(poll, &event, 1, 0) == 1;
-    if (isReady || queue != queues.front())
-      std::printf("ready 1\n");
-    else
-      std::printf("empty 0\n");
+    std::printf("ready %d\n", isReadable(queue));
     printEvents(queue);
   }
   return 0;

@@ -148,7 +148,7 @@ TEST_F(SimPreload, EventsOfTheDescriptionWaitUntilTheyAreDropped) {
   EXPECT_EQ(
       onHost(host, {}, {"sh", "-c", calls + " status ovgpu.0 43 1 16 >/dev/null; " + calls + " events 0 1 :"})
           .out,
-      "empty 0\nempty 0\n");
+      "ready 0\nempty 0\n");
 }
 
 TEST_F(SimPreload, RaisedFaultIsWrittenDownByTheLogDaemon) {
