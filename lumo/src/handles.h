@@ -48,7 +48,8 @@ template <class Object, class Cell>
 class HandleRegistry {
  public:
   static HandleRegistry& instance() {
-    static HandleRegistry registry;
+    // Never destroyed: a caller may give the library back while the process ends.
+    static HandleRegistry& registry = *new HandleRegistry;
     return registry;
   }
 

@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "in_process/lumo_fixture.h"
 
 // Starting and ending the library, and which devices it then has.
@@ -41,6 +43,30 @@ TEST_F(LibraryStartTest, AStartAfterAFailedOneBeginsAfresh) {
   addGpu(0);
   mustStart();
   EXPECT_EQ(count(), 1U);
+}
+
+/// Gives the library back while the process ends, as programs do that leave it to atexit().
+LumoLibrary* givenBackAtExit = nullptr;
+LumoDevice* askedAtExit = nullptr;
+
+TEST_F(LibraryStartTest, MayBeGivenBackWhileTheProcessEnds) {
+  // In a process of its own, in which nothing was asked of the library before.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  addGpu(0);
+  const auto leave = [this] {
+    std::atexit([] {
+      unsigned index = 99;
+      const bool isAlive = lumoDeviceGetIndex(askedAtExit, &index) == LUMO_RETURN_SUCCESS && index == 0 &&
+                           lumoLibraryShutDown(givenBackAtExit) == LUMO_RETURN_SUCCESS &&
+                           lumoLibraryInit(&givenBackAtExit) == LUMO_RETURN_SUCCESS;
+      std::_Exit(isAlive ? 0 : 1);
+    });
+    mustStart();
+    askedAtExit = device(0);
+    givenBackAtExit = library_;
+    std::exit(2);
+  };
+  EXPECT_EXIT(leave(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(LibraryStartTest, ADeviceThatCannotBeMadeLeavesNoGap) {
