@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -29,6 +31,17 @@ class LogConfigurationTest : public testing::Test {
   LumoLogConfiguration former_;
   const std::string path_ = testing::TempDir() + "lumo-log-" + std::to_string(::getpid());
 };
+
+TEST(LibraryLogTest, TheFirstLineKeepsErrno) {
+  // In a process of its own, in which nothing was logged before.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto log = [] {
+    errno = EACCES;
+    KELP_LOG(kError) << "a folder could not be opened";
+    std::_Exit(errno == EACCES ? 0 : 1);
+  };
+  EXPECT_EXIT(log(), testing::ExitedWithCode(0), "");
+}
 
 TEST_F(LogConfigurationTest, NothingIsLoggedAtFirst) {
   EXPECT_EQ(former_.consoleLevel, 0U);

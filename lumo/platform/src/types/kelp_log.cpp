@@ -1,5 +1,7 @@
 #include "kelp_log.h"
 
+#include <cerrno>
+
 namespace kelp {
 namespace {
 
@@ -16,6 +18,8 @@ bool LogToCallBack::write(const std::string& line, int level) {
 }
 
 LibraryLog::LibraryLog() {
+  // The first line may be about a call whose errno is looked at after it.
+  const int error = errno;
   file.maxLines = kMaxLines;
   for (rusk::LogTarget* target : {static_cast<rusk::LogTarget*>(&console),
                                   static_cast<rusk::LogTarget*>(&file),
@@ -24,6 +28,7 @@ LibraryLog::LibraryLog() {
     logger.add(target);
     target->open();
   }
+  errno = error;
 }
 
 LibraryLog& libraryLog() {
