@@ -27,9 +27,19 @@ std::shared_ptr<Object> lockObject(const std::weak_ptr<Object>& object) {
   return object.lock();
 }
 
-/// Runs an operation on the object behind a handle and hands its result to `write`.
+/// Runs what may find no memory, which the caller is told by a code as everything else.
+template <class Call>
+LumoReturn withoutThrowing(Call&& call) {
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    return LUMO_RETURN_INSUFFICIENT_MEMORY;
+  }
+}
+
+/// Runs an operation on the object behind a handle and hands its result to `write`. Throws std::bad_alloc.
 template <class Cell, class Operation, class Write>
-LumoReturn callObject(const Cell* handle, Operation&& operation, Write&& write) {
+LumoReturn tryObject(const Cell* handle, Operation&& operation, Write&& write) {
   const auto object = lockObject(handle->object);
   if (object == nullptr) {
     return LUMO_RETURN_UNKNOWN_ERROR;
@@ -37,6 +47,12 @@ LumoReturn callObject(const Cell* handle, Operation&& operation, Write&& write) 
   LumoReturn status = LUMO_RETURN_SUCCESS;
   auto result = std::invoke(operation, *object, &status);
   return status == LUMO_RETURN_SUCCESS ? write(std::move(result)) : status;
+}
+
+/// The same, and throws nothing.
+template <class Cell, class Operation, class Write>
+LumoReturn callObject(const Cell* handle, Operation&& operation, Write&& write) {
+  return withoutThrowing([&] { return tryObject(handle, operation, write); });
 }
 
 /// An operation with arguments of the caller's, in front of the code.
@@ -74,13 +90,15 @@ LumoReturn runOperation(const Cell* handle, Operation&& operation) {
   if (handle == nullptr) {
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
-  const auto object = lockObject(handle->object);
-  if (object == nullptr) {
-    return LUMO_RETURN_UNKNOWN_ERROR;
-  }
-  LumoReturn status = LUMO_RETURN_SUCCESS;
-  std::invoke(operation, *object, &status);
-  return status;
+  return withoutThrowing([&] {
+    const auto object = lockObject(handle->object);
+    if (object == nullptr) {
+      return LUMO_RETURN_UNKNOWN_ERROR;
+    }
+    LumoReturn status = LUMO_RETURN_SUCCESS;
+    std::invoke(operation, *object, &status);
+    return status;
+  });
 }
 
 /// One value.
@@ -186,18 +204,13 @@ LumoReturn getTexts(const Cell* handle, char* buffer, unsigned width, unsigned c
 }
 
 /// A handle of another object: `operation` finds the object, null when there is none, which gives
-/// `whenNull`.
+/// `whenNull`. Throws std::bad_alloc.
 template <class Object, class Cell>
 LumoReturn giveHandle(const std::shared_ptr<Object>& object, Cell** handle, LumoReturn whenNull) {
   if (object == nullptr) {
     return whenNull;
   }
-  try {
-    *handle = HandleRegistry<Object, Cell>::instance().getOrCreate(object);
-  } catch (const std::bad_alloc&) {
-    *handle = nullptr;
-    return LUMO_RETURN_INSUFFICIENT_MEMORY;
-  }
+  *handle = HandleRegistry<Object, Cell>::instance().getOrCreate(object);
   return LUMO_RETURN_SUCCESS;
 }
 
@@ -205,17 +218,12 @@ LumoReturn giveHandle(const std::shared_ptr<Object>& object, Cell** handle, Lumo
 template <class Cell, class Operation>
 auto asHandles(Operation operation) {
   return [=](auto& object, LumoReturn* status) -> std::vector<Cell*> {
-    try {
-      const auto found = std::invoke(operation, object, status);
-      std::vector<Cell*> handles(found.size());
-      for (std::size_t i = 0; i < found.size() && *status == LUMO_RETURN_SUCCESS; ++i) {
-        *status = giveHandle(found[i], &handles[i], LUMO_RETURN_NOT_FOUND);
-      }
-      return handles;
-    } catch (const std::bad_alloc&) {
-      *status = LUMO_RETURN_INSUFFICIENT_MEMORY;
-      return {};
+    const auto found = std::invoke(operation, object, status);
+    std::vector<Cell*> handles(found.size());
+    for (std::size_t i = 0; i < found.size() && *status == LUMO_RETURN_SUCCESS; ++i) {
+      *status = giveHandle(found[i], &handles[i], LUMO_RETURN_NOT_FOUND);
     }
+    return handles;
   };
 }
 
@@ -225,8 +233,8 @@ LumoReturn getHandle(const Cell* handle, OtherCell** other, LumoReturn whenNull,
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
   try {
-    return callObject(handle, operation,
-                      [=](const auto& object) { return giveHandle(object, other, whenNull); });
+    return tryObject(handle, operation,
+                     [=](const auto& object) { return giveHandle(object, other, whenNull); });
   } catch (const std::bad_alloc&) {
     *other = nullptr;
     return LUMO_RETURN_INSUFFICIENT_MEMORY;
@@ -239,8 +247,10 @@ LumoReturn ignoreRelease(const Cell* handle, const char* function) {
   if (handle == nullptr) {
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
-  logDeprecated(function);
-  return LUMO_RETURN_SUCCESS;
+  return withoutThrowing([function] {
+    logDeprecated(function);
+    return LUMO_RETURN_SUCCESS;
+  });
 }
 
 }  // namespace lumo

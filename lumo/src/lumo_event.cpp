@@ -25,7 +25,6 @@ LumoReturn lumoDeviceGetEventDataByEventType(LumoDevice* device, unsigned long l
   if (device == nullptr || events == nullptr || count == nullptr) {
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
-  KELP_LOG(kInfo) << "event type" << eventType << " wanted count" << capacity;
   const auto operation = [=](const Device& object, LumoReturn* status) {
     const unsigned index = object.getIndex(status);
     const std::string uuid = object.getUuid(status);
@@ -33,8 +32,11 @@ LumoReturn lumoDeviceGetEventDataByEventType(LumoDevice* device, unsigned long l
                ? lumo::getEventDataByEventType(index, uuid, eventType, capacity, status)
                : std::vector<LumoEventData>();
   };
-  return lumo::callObject(device, operation, [=](const std::vector<LumoEventData>& list) {
-    return copyEvents(list, events, count);
+  return lumo::withoutThrowing([&] {
+    KELP_LOG(kInfo) << "event type" << eventType << " wanted count" << capacity;
+    return lumo::tryObject(device, operation, [=](const std::vector<LumoEventData>& list) {
+      return copyEvents(list, events, count);
+    });
   });
 }
 
@@ -43,9 +45,11 @@ LumoReturn lumoGetTargetUuidEventDataByEventType(const char* uuid, unsigned long
   if (uuid == nullptr || events == nullptr || count == nullptr) {
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
-  constexpr unsigned kNoDevice = ~0U;
-  LumoReturn status = LUMO_RETURN_SUCCESS;
-  const std::vector<LumoEventData> list =
-      lumo::getEventDataByEventType(kNoDevice, uuid, eventType, capacity, &status);
-  return status == LUMO_RETURN_SUCCESS ? copyEvents(list, events, count) : status;
+  return lumo::withoutThrowing([=] {
+    constexpr unsigned kNoDevice = ~0U;
+    LumoReturn status = LUMO_RETURN_SUCCESS;
+    const std::vector<LumoEventData> list =
+        lumo::getEventDataByEventType(kNoDevice, uuid, eventType, capacity, &status);
+    return status == LUMO_RETURN_SUCCESS ? copyEvents(list, events, count) : status;
+  });
 }

@@ -13,7 +13,8 @@ using lumo::Library;
 using lumo::process;
 
 lumo::Process& lumo::process() {
-  static Process instance;
+  // Never destroyed: a caller may give the library back while the process ends.
+  static Process& instance = *new Process;
   return instance;
 }
 
@@ -43,25 +44,22 @@ LumoReturn lumoLibraryInit(LumoLibrary** library) {
   if (library == nullptr) {
     return LUMO_RETURN_INVALID_ARGUMENT;
   }
-  const std::lock_guard lock(process().mutex);
-  std::unique_ptr<LumoLibrary> cell;
-  try {
+  return lumo::withoutThrowing([library] {
+    const std::lock_guard lock(process().mutex);
     std::shared_ptr<Library> shared = process().library.lock();
     if (shared == nullptr) {
       shared = std::make_shared<Library>();
       process().library = shared;
     }
-    cell = std::make_unique<LumoLibrary>(LumoLibrary{std::move(shared)});
-  } catch (const std::bad_alloc&) {
-    return LUMO_RETURN_INSUFFICIENT_MEMORY;
-  }
-  LumoReturn status = LUMO_RETURN_SUCCESS;
-  *library = cell.get();
-  if (cell->object->initialize(&status)) {
-    // Freed by lumoLibraryShutDown.
-    static_cast<void>(cell.release());
-  }
-  return status;
+    auto cell = std::make_unique<LumoLibrary>(LumoLibrary{std::move(shared)});
+    LumoReturn status = LUMO_RETURN_SUCCESS;
+    *library = cell.get();
+    if (cell->object->initialize(&status)) {
+      // Freed by lumoLibraryShutDown.
+      static_cast<void>(cell.release());
+    }
+    return status;
+  });
 }
 
 LumoReturn lumoLibraryShutDown(LumoLibrary* library) {

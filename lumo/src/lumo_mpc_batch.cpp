@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "capability.h"
+#include "entry_point.h"
 #include "handles.h"
 #include "library.h"
 
@@ -46,13 +47,15 @@ LumoReturn readDivision(LumoDevice* device, unsigned configurationId, Divisions*
 /// Runs an operation on the handle of a GPU, after an enumeration where there is none.
 LumoReturn runOn(LumoLibrary* library, const std::string& key,
                  const std::function<LumoReturn(LumoDevice*)>& operation) {
-  LumoReturn status = LUMO_RETURN_SUCCESS;
-  if (!library->object->initialize(&status)) {
-    return status;
-  }
-  LumoDevice* device = nullptr;
-  status = lumoLibraryInitDeviceByUuid(library, key.c_str(), &device);
-  return status == LUMO_RETURN_SUCCESS ? operation(device) : status;
+  return lumo::withoutThrowing([&] {
+    LumoReturn status = LUMO_RETURN_SUCCESS;
+    if (!library->object->initialize(&status)) {
+      return status;
+    }
+    LumoDevice* device = nullptr;
+    status = lumoLibraryInitDeviceByUuid(library, key.c_str(), &device);
+    return status == LUMO_RETURN_SUCCESS ? operation(device) : status;
+  });
 }
 
 void forgetDevices(LumoLibrary* library) {
@@ -78,13 +81,7 @@ LumoReturn divide(LumoLibrary* library, const std::string& key, const Division& 
   return status;
 }
 
-}  // namespace
-
-LumoReturn lumoLibrarySetMpcConfigurationInBatch(LumoLibrary* library, unsigned count, LumoDevice** devices,
-                                                 unsigned* configIds) {
-  if (library == nullptr || devices == nullptr || configIds == nullptr) {
-    return LUMO_RETURN_INVALID_ARGUMENT;
-  }
+LumoReturn divideAll(LumoLibrary* library, unsigned count, LumoDevice** devices, const unsigned* configIds) {
   Divisions divisions;
   for (unsigned i = 0; i < count; ++i) {
     const LumoReturn status = readDivision(devices[i], configIds[i], &divisions);
@@ -107,4 +104,14 @@ LumoReturn lumoLibrarySetMpcConfigurationInBatch(LumoLibrary* library, unsigned 
     return status;
   }
   return LUMO_RETURN_SUCCESS;
+}
+
+}  // namespace
+
+LumoReturn lumoLibrarySetMpcConfigurationInBatch(LumoLibrary* library, unsigned count, LumoDevice** devices,
+                                                 unsigned* configIds) {
+  if (library == nullptr || devices == nullptr || configIds == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return lumo::withoutThrowing([=] { return divideAll(library, count, devices, configIds); });
 }

@@ -89,7 +89,7 @@ namespace kelp {
 using tolk_test::FakePlatform;
 
 CoreModel::CoreModel(const DevCuid& cuid)
-    : accessPoint_(std::make_unique<tolk_test::FakeAccessPoint>(cuid)) {}
+    : cuid_(cuid), accessPoint_(std::make_unique<tolk_test::FakeAccessPoint>(cuid)) {}
 
 CoreModel::~CoreModel() = default;
 

@@ -4,7 +4,7 @@
 #include "handles.h"
 #include "in_process/lumo_fixture.h"
 
-// What the caller sees when there is no memory for a handle.
+// What the caller sees when there is no memory: a code, as of any failure.
 
 namespace {
 
@@ -57,6 +57,69 @@ class NoMemoryTest : public tolk_test::LumoFixture {
     }
   }
 };
+
+/// Asks with room for no allocation, for one, for two and so on, until memory is no matter. How often it was.
+template <class Ask>
+int refusalsOf(Ask ask, LumoReturn atLast) {
+  for (int room = 0;; ++room) {
+    allowance = room;
+    const LumoReturn status = ask();
+    allowance = -1;
+    if (status != LUMO_RETURN_INSUFFICIENT_MEMORY) {
+      EXPECT_EQ(status, atLast);
+      return room;
+    }
+  }
+}
+
+TEST_F(NoMemoryTest, AQuestionThatFindsNoMemoryIsRefused) {
+  constexpr const char* kUuid = "a uuid too long to stand in a string itself";
+  addGpuAt(0x40, 0, kUuid);
+  mustStart();
+  LumoDevice* const gpu = device(0);
+  char text[64] = "before";
+  EXPECT_GE(refusalsOf([&] { return lumoDeviceGetUUID(gpu, text, sizeof text); }, LUMO_RETURN_SUCCESS), 1);
+  EXPECT_STREQ(text, kUuid);
+  unsigned count = 0;
+  EXPECT_GE(refusalsOf([&] { return lumoDeviceCountMaxVirtDevices(gpu, kUuid, &count); },
+                       LUMO_RETURN_UNKNOWN_ERROR),
+            1);
+  LumoEventData events[1];
+  EXPECT_GE(
+      refusalsOf(
+          [&] { return lumoGetTargetUuidEventDataByEventType(kUuid, LUMO_EVENT_XID, events, 1, &count); },
+          LUMO_RETURN_UNKNOWN_ERROR),
+      2);
+  EXPECT_GE(
+      refusalsOf([&] { return lumoDeviceGetEventDataByEventType(gpu, LUMO_EVENT_XID, events, 1, &count); },
+                 LUMO_RETURN_UNKNOWN_ERROR),
+      2);
+}
+
+TEST_F(NoMemoryTest, AChangeThatFindsNoMemoryIsRefused) {
+  addGpu(0);
+  mustStart();
+  LumoDevice* const gpu = device(0);
+  EXPECT_GE(refusalsOf([&] { return lumoDeviceSetPerformanceState(gpu, 1); }, LUMO_RETURN_UNKNOWN_ERROR), 1);
+  EXPECT_GE(refusalsOf([&] { return lumoLibraryFreeDevice(gpu); }, LUMO_RETURN_SUCCESS), 1);
+}
+
+TEST_F(NoMemoryTest, ADivisionThatFindsNoMemoryIsRefused) {
+  addMpc();
+  mustStart();
+  LumoDevice* parent = deviceOf("uuid-2");
+  unsigned configuration = 1;
+  allowance = 0;
+  const LumoReturn status = lumoLibrarySetMpcConfigurationInBatch(library_, 1, &parent, &configuration);
+  allowance = -1;
+  EXPECT_EQ(status, LUMO_RETURN_INSUFFICIENT_MEMORY);
+}
+
+TEST_F(NoMemoryTest, AStartThatFindsNoMemoryIsRefused) {
+  addMpc();
+  EXPECT_GE(refusalsOf([&] { return start(); }, LUMO_RETURN_SUCCESS), 10);
+  EXPECT_EQ(count(), 3U) << "what was begun is forgotten";
+}
 
 TEST_F(NoMemoryTest, EveryHandleThatCannotBeMadeIsRefused) {
   addGpu(0);

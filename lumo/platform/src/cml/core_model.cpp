@@ -4,7 +4,8 @@
 
 namespace kelp {
 
-CoreModel::CoreModel(const DevCuid& cuid) : accessPoint_(std::make_unique<linux_::AccessPoint>(cuid)) {}
+CoreModel::CoreModel(const DevCuid& cuid)
+    : cuid_(cuid), accessPoint_(std::make_unique<linux_::AccessPoint>(cuid)) {}
 
 CoreModel::~CoreModel() = default;
 

@@ -20,7 +20,7 @@ class CoreModel {
   CoreModel(const CoreModel&) = delete;
   CoreModel& operator=(const CoreModel&) = delete;
 
-  const DevCuid& getCuid() const { return accessPoint_->getCuid(); }
+  const DevCuid& getCuid() const { return cuid_; }
   const Stated<DevDesc>& getDesc() const { return accessPoint_->getDevDesc(); }
 
   Done init() { return accessPoint_->init(); }
@@ -33,6 +33,7 @@ class CoreModel {
   Stated<typename Cmd::Result> exec(const Cmd& cmd) const;
 
  private:
+  const DevCuid cuid_;
   std::unique_ptr<AccessPointBase> accessPoint_;
 };
 

@@ -1,5 +1,6 @@
 #include "model_manager.h"
 
+#include <new>
 #include <vector>
 
 #include "kelp_log.h"
@@ -65,8 +66,12 @@ void ModelManager::reinitOtherModelFile(const DevCuid& target) {
     if (cuid == target) {
       continue;
     }
-    KELP_LOG(kInfo) << "reinit device " << cuid.intId;
-    model->reopen(cuid);
+    try {
+      KELP_LOG(kInfo) << "reinit device " << cuid.intId;
+      model->reopen(cuid);
+    } catch (const std::bad_alloc&) {
+      // One that stays closed answers state 5; the others are opened all the same.
+    }
   }
 }
 
