@@ -154,7 +154,7 @@ LumoReturn lumoLogGetConfiguration(LumoLogConfiguration *configuration);
  */
 LumoReturn lumoLibraryInit(LumoLibrary **library);
 
-/** Gives one handle of lumoLibraryInit back; the last one ends the library and every other handle. */
+/** Gives one handle of lumoLibraryInit back, once; the last one ends the library and every other handle. */
 LumoReturn lumoLibraryShutDown(LumoLibrary *library);
 
 /** The library's version, "2.4.0"; 16 bytes hold it. A negative `length` is too small. */
