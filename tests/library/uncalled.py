@@ -22,7 +22,8 @@ EXPECTATION = re.compile(r"\b(?:EXPECT|ASSERT)_(?:EQ|STREQ|NE)\(|\bSTEP\(|\bEXPE
 NEVER_ANSWER = {"lumoDeviceStartPfm", "lumoDeviceStopPfm", "lumoPfmSampleGet"}
 # What answers for every device, and refuses dead handles alone, as a test of all functions does.
 NEVER_REFUSE = {"lumoReturnText", "lumoDeviceCountPciNicDevices", "lumoDeviceGetIntId", "lumoDeviceGetType",
-                "lumoDeviceGetSupportedEventTypes", "lumoDeviceIsPfmSupported"}
+                "lumoDeviceGetSupportedEventTypes", "lumoDeviceIsPfmSupported", "lumoDeviceInitGpu",
+                "lumoDeviceInitMemory", "lumoDeviceInitVpu"}
 # A text, which is no code.
 TEXT = {"lumoReturnText"}
 
