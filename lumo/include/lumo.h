@@ -500,6 +500,13 @@ LumoReturn lumoDeviceGetCpuAffinityWithinNode(LumoDevice *device, unsigned long 
 LumoReturn lumoDeviceGetMemoryAffinityWithinNode(LumoDevice *device, unsigned long long *mask,
                                                  unsigned count);
 
+/**
+ * The CPUs in the words of the kernel's own bitmask, which has the highest CPUs first: word n holds the
+ * words 2n (low half) and 2n + 1 (high half) of sysfs as they stand. Codes as above.
+ */
+LumoReturn lumoDeviceGetCpuAffinityBitmaskWithinNode(LumoDevice *device, unsigned long long *words,
+                                                     unsigned count);
+
 /* ---- Device: processes ----------------------------------------------------------------------- */
 
 typedef struct LumoProcessMemUsage {
@@ -1002,8 +1009,8 @@ LumoReturn lumoGetTargetUuidEventDataByEventType(const char *uuid, unsigned long
 
 /*
  * Sample a device's counters over an interval: start, take a sample, take a second one, compute metrics of
- * the two, stop. No device has counters that the library reads yet; where it can be asked at all, this is
- * NOT_SUPPORTED.
+ * the two, stop. No device has counters that the library reads yet: where a device can be sampled, start,
+ * stop and sample are NOT_SUPPORTED, and metrics are left as they were.
  */
 
 /** Counters at one moment. Made and freed by the library alone. */

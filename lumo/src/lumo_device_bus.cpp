@@ -182,12 +182,18 @@ LumoReturn lumoDeviceGetMemoryAffinityStringWithinNode(LumoDevice* device, char*
 }
 
 LumoReturn lumoDeviceGetCpuAffinityWithinNode(LumoDevice* device, unsigned long long* mask, unsigned count) {
-  return getMask(device, mask, count, &Device::getCpuAffinityBitmaskWithinNode,
-                 lumo::cpuAffinityBitmaskToUnsignedLong);
+  return getMask(device, mask, count, &Device::getCpuAffinityListWithinNode,
+                 lumo::affinityStringToUnsignedLong);
 }
 
 LumoReturn lumoDeviceGetMemoryAffinityWithinNode(LumoDevice* device, unsigned long long* mask,
                                                  unsigned count) {
   return getMask(device, mask, count, &Device::getMemoryAffinityWithinNode,
                  lumo::affinityStringToUnsignedLong);
+}
+
+LumoReturn lumoDeviceGetCpuAffinityBitmaskWithinNode(LumoDevice* device, unsigned long long* words,
+                                                     unsigned count) {
+  return getMask(device, words, count, &Device::getCpuAffinityBitmaskWithinNode,
+                 lumo::cpuAffinityBitmaskToUnsignedLong);
 }

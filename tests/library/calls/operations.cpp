@@ -21,6 +21,19 @@ namespace {
                                                           [](const Subject&                                 \
                                                                  on) { return askTextNulls(on, function); } \
   }
+// A mask in one word.
+#define MASK(function)                                                                                  \
+  {                                                                                                     \
+#function,                                                                                            \
+        [](const Subject& on) {                                                                           \
+          return ask(                                                                                     \
+              on, +[](LumoDevice* device, unsigned long long* mask) { return function(device, mask, 1); }); \
+        },                                                                                                \
+        [](const Subject& on) {                                                                           \
+          unsigned long long mask = 0;                                                                    \
+          return Codes{function(nullptr, &mask, 1), function(on, nullptr, 1)};                            \
+        } \
+  }
 #define LIST(count, get, ...)                                                                      \
   Operation {                                                                                      \
 #get, [](const Subject& on) { return askList(on, count, get __VA_OPT__(, ) __VA_ARGS__); },      \
@@ -114,30 +127,9 @@ constexpr Operation kReadings[] = {
     VALUE(lumoDeviceGetP2PStatus, on.other, 0U),
     TEXT(lumoDeviceGetCpuAffinityStringWithinNode),
     TEXT(lumoDeviceGetMemoryAffinityStringWithinNode),
-    {"lumoDeviceGetCpuAffinityWithinNode",
-     [](const Subject& on) {
-       return ask(
-           on, +[](LumoDevice* device, unsigned long long* mask) {
-             return lumoDeviceGetCpuAffinityWithinNode(device, mask, 1);
-           });
-     },
-     [](const Subject& on) {
-       unsigned long long mask = 0;
-       return Codes{lumoDeviceGetCpuAffinityWithinNode(nullptr, &mask, 1),
-                    lumoDeviceGetCpuAffinityWithinNode(on, nullptr, 1)};
-     }},
-    {"lumoDeviceGetMemoryAffinityWithinNode",
-     [](const Subject& on) {
-       return ask(
-           on, +[](LumoDevice* device, unsigned long long* mask) {
-             return lumoDeviceGetMemoryAffinityWithinNode(device, mask, 1);
-           });
-     },
-     [](const Subject& on) {
-       unsigned long long mask = 0;
-       return Codes{lumoDeviceGetMemoryAffinityWithinNode(nullptr, &mask, 1),
-                    lumoDeviceGetMemoryAffinityWithinNode(on, nullptr, 1)};
-     }},
+    MASK(lumoDeviceGetCpuAffinityWithinNode),
+    MASK(lumoDeviceGetMemoryAffinityWithinNode),
+    MASK(lumoDeviceGetCpuAffinityBitmaskWithinNode),
 
     LIST(lumoDeviceCountProcessMemoryUsages, lumoDeviceGetProcessMemoryUsages),
     LIST(lumoDeviceCountProcessGpuUtilizations, lumoDeviceGetProcessGpuUtilizations),

@@ -159,6 +159,7 @@ std::vector<Row> ArgumentsTest::rows() {
       ON_DEAD(lumoDeviceGetMemoryAffinityStringWithinNode, &device_, text_, size),
       ON_DEAD(lumoDeviceGetCpuAffinityWithinNode, &device_, &wide_, 1),
       ON_DEAD(lumoDeviceGetMemoryAffinityWithinNode, &device_, &wide_, 1),
+      ON_DEAD(lumoDeviceGetCpuAffinityBitmaskWithinNode, &device_, &wide_, 1),
 
       ON_DEAD(lumoDeviceCountProcessMemoryUsages, &device_, &number_),
       ON_DEAD(lumoDeviceGetProcessMemoryUsages, &device_, &usage_, 1),

@@ -266,6 +266,9 @@ TEST_F(BusOperationsTest, AffinityIsATextAndAMask) {
   EXPECT_STREQ(text_, "1");
   unsigned long long mask[2] = {9, 9};
   EXPECT_EQ(lumoDeviceGetCpuAffinityWithinNode(handle_, mask, 2), LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(mask[0], 0xFFFFU);
+  EXPECT_EQ(mask[1], 0U);
+  EXPECT_EQ(lumoDeviceGetCpuAffinityBitmaskWithinNode(handle_, mask, 2), LUMO_RETURN_SUCCESS);
   EXPECT_EQ(mask[0], 0x1'0000'FFFFU);
   EXPECT_EQ(mask[1], 0U);
   EXPECT_EQ(lumoDeviceGetMemoryAffinityWithinNode(handle_, mask, 1), LUMO_RETURN_SUCCESS);

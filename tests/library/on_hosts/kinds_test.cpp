@@ -75,6 +75,7 @@ constexpr Row kRows[] = {
     {"lumoDeviceGetMemoryAffinityStringWithinNode", "yyyy y4 y4 y4 4 44"},
     {"lumoDeviceGetCpuAffinityWithinNode", "yyyy y4 y4 y4 4 44"},
     {"lumoDeviceGetMemoryAffinityWithinNode", "yyyy y4 y4 y4 4 44"},
+    {"lumoDeviceGetCpuAffinityBitmaskWithinNode", "yyyy y4 y4 y4 4 44"},
 
     {"lumoDeviceGetProcessMemoryUsages", "yyyy yy yy yy 4 yy"},
     {"lumoDeviceGetProcessGpuUtilizations", "yyyy yy yy yy 4 yy"},

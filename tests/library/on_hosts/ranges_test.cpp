@@ -80,6 +80,7 @@ TEST_F(ValuesHostRanges, OfNeighbours) {
   EXPECT_TOO_SMALL(lumoDeviceGetPciNicDeviceSbdf(on_, text, 32, 0));
   EXPECT_INVALID(lumoDeviceGetCpuAffinityWithinNode(on_, &wide_, 0));
   EXPECT_INVALID(lumoDeviceGetMemoryAffinityWithinNode(on_, &wide_, 0));
+  EXPECT_INVALID(lumoDeviceGetCpuAffinityBitmaskWithinNode(on_, &wide_, 0));
   EXPECT_EQ(number_, 99U);
   EXPECT_EQ(wide_, 99U);
 }

@@ -92,7 +92,12 @@ TEST_F(TopologyHost, NearCpusAreTextAndMask) {
   ASSERT_EQ(lumoDeviceGetCpuAffinityWithinNode(device(0), mask, 1), LUMO_RETURN_SUCCESS);
   EXPECT_EQ(mask[0], 0x10FU) << told(0, "cpus");
   EXPECT_EQ(lumoDeviceGetCpuAffinityWithinNode(device(2), mask, 2), LUMO_RETURN_INSUFFICIENT_SIZE);
-  EXPECT_EQ(lumoDeviceGetCpuAffinityWithinNode(device(2), mask, 3), LUMO_RETURN_SUCCESS);
+  ASSERT_EQ(lumoDeviceGetCpuAffinityWithinNode(device(2), mask, 3), LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(mask[0], 1ULL << 63) << told(2, "cpus");
+  EXPECT_EQ(mask[1], 1ULL << 0);
+  EXPECT_EQ(mask[2], 7ULL << 2);
+  ASSERT_EQ(lumoDeviceGetCpuAffinityBitmaskWithinNode(device(0), mask, 1), LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(mask[0], 0x10FU) << told(0, "cpus");
 }
 
 TEST_F(TopologyHost, NearMemoryIsTextAndMask) {
