@@ -1,8 +1,9 @@
 #include "pci_topology.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-
+#include <linux/capability.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <algorithm>
 
 #include "host_tree.h"
@@ -301,16 +302,33 @@ TEST_F(PciNicTest, AdapterOutsideTheTreeFailsTheList) {
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> Mellanox nic card path error "));
 }
 
+/// While it lives, permissions hold for root as they do for everybody.
+class WithoutPrivileges {
+ public:
+  WithoutPrivileges() {
+    EXPECT_EQ(::syscall(SYS_capget, &header_, kept_), 0);
+    __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {kept_[0], kept_[1]};
+    none[0].effective = 0;
+    none[1].effective = 0;
+    EXPECT_EQ(::syscall(SYS_capset, &header_, none), 0);
+  }
+  ~WithoutPrivileges() { ::syscall(SYS_capset, &header_, kept_); }
+
+ private:
+  __user_cap_header_struct header_{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+  __user_cap_data_struct kept_[_LINUX_CAPABILITY_U32S_3] = {};
+};
+
 TEST_F(PciNicTest, FolderThatCannotBeWalkedFailsTheList) {
+  using std::filesystem::perms;
   adapter("0000:81:00.0", "mlx5_0");
-  rlimit limit{};
-  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-  const rlimit none{.rlim_cur = 0, .rlim_max = limit.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-  const auto sbdfs = getPciNicDevicesSbdf();
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-  EXPECT_EQ(sbdfs.state(), KelpReturn::kFailure);
+  std::filesystem::permissions(behind("/sys/class/infiniband"), perms::none);
+  {
+    const WithoutPrivileges unprivileged;
+    EXPECT_EQ(getPciNicDevicesSbdf().state(), KelpReturn::kFailure);
+  }
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> opendir  /sys/class/infiniband/  failed "));
+  std::filesystem::permissions(behind("/sys/class/infiniband"), perms::owner_all);
 }
 
 }  // namespace
