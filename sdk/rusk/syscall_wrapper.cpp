@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 
 #include <atomic>
 
@@ -18,6 +19,18 @@ int SyscallWrapper::ioctl(int fd, unsigned long request, void* argument) {
 
 int SyscallWrapper::open(const char* path, int flags) {
   return ::open(path, flags);
+}
+
+void* SyscallWrapper::mmap(std::size_t length, int protection, int flags, int fd, off_t offset) {
+  return ::mmap(nullptr, length, protection, flags, fd, offset);
+}
+
+int SyscallWrapper::munmap(void* address, std::size_t length) {
+  return ::munmap(address, length);
+}
+
+int SyscallWrapper::nanosleep(const timespec& time, timespec& left) {
+  return ::nanosleep(&time, &left);
 }
 
 SyscallWrapper& SyscallWrapper::instance() {

@@ -44,7 +44,7 @@ struct Row {
 
 template <class... Records>
 void addRows(std::vector<Row>& rows, int interface, const char* operation) {
-  (rows.push_back({static_cast<std::uint32_t>(interface), operation, MciTraits<Records>::kVersion,
+  (rows.push_back({static_cast<std::uint32_t>(interface), operation, kVersionOf<Records>,
                    MciTraits<Records>::kName, sizeof(Records)}),
    ...);
 }

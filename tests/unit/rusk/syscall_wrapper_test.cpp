@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -51,6 +52,42 @@ TEST(SyscallWrapper, IoctlPassesRequestAndArgument) {
   EXPECT_EQ(waiting, 3);
   ::close(ends[0]);
   ::close(ends[1]);
+}
+
+TEST(SyscallWrapper, MappingIsThatOfTheFile) {
+  rusk::SyscallWrapper system;
+  const int fd = ::memfd_create("mapped", MFD_CLOEXEC);
+  ASSERT_GE(fd, 0);
+  ASSERT_EQ(::write(fd, "mapped", 6), 6);
+  void* const bytes = system.mmap(6, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+  ASSERT_NE(bytes, MAP_FAILED);
+  EXPECT_EQ(std::string(static_cast<const char*>(bytes), 6), "mapped");
+  static_cast<char*>(bytes)[0] = 'M';
+  char first = 0;
+  EXPECT_EQ(::pread(fd, &first, 1, 0), 1);
+  EXPECT_EQ(first, 'M');
+  EXPECT_EQ(system.munmap(bytes, 6), 0);
+  EXPECT_EQ(::msync(bytes, 6, MS_ASYNC), -1) << "nothing is mapped there any more";
+  ::close(fd);
+}
+
+TEST(SyscallWrapper, FailedMappingLeavesTheSystemsErrno) {
+  errno = 0;
+  EXPECT_EQ(rusk::SyscallWrapper().mmap(4096, PROT_READ, MAP_SHARED, -1, 0), MAP_FAILED);
+  EXPECT_EQ(errno, EBADF);
+}
+
+TEST(SyscallWrapper, SleepTakesItsTime) {
+  timespec before{};
+  timespec after{};
+  timespec left{};
+  ::clock_gettime(CLOCK_MONOTONIC, &before);
+  EXPECT_EQ(rusk::SyscallWrapper().nanosleep({.tv_sec = 0, .tv_nsec = 2'000'000}, left), 0);
+  ::clock_gettime(CLOCK_MONOTONIC, &after);
+  EXPECT_GE((after.tv_sec - before.tv_sec) * 1'000'000'000 + after.tv_nsec - before.tv_nsec, 2'000'000);
+  errno = 0;
+  EXPECT_EQ(rusk::SyscallWrapper().nanosleep({.tv_sec = 0, .tv_nsec = 1'000'000'000}, left), -1);
+  EXPECT_EQ(errno, EINVAL);
 }
 
 TEST(SyscallWrapper, InstanceIsOneObject) {

@@ -21,9 +21,9 @@ inline Stated<std::string> nodePath(const char* prefix, u16 number) {
 }
 
 /// Reads the description that all protocols share. `Record` has the driver's fields by their names.
-/// An MPC parent has no DRM nodes, and only an instance has a parent.
+/// An MPC parent has no DRM nodes, and only an instance has a parent. The oldest record has no ion node.
 template <class Record>
-DevDesc readDevDesc(const Record& reply, u16 ionId) {
+DevDesc readDevDesc(const Record& reply) {
   const u32 type = reply.devType;
   DevDesc desc;
   desc.sbdf = sbdfText(reply.sbdf);
@@ -37,7 +37,9 @@ DevDesc readDevDesc(const Record& reply, u16 ionId) {
     desc.cardPath = nodePath("/dev/dri/card", reply.cardId);
     desc.renderPath = nodePath("/dev/dri/renderD", reply.renderId);
   }
-  desc.ionPath = nodePath("/dev/ion", ionId);
+  if constexpr (requires { reply.ionId; }) {
+    desc.ionPath = nodePath("/dev/ion", reply.ionId);
+  }
   return desc;
 }
 

@@ -11,6 +11,13 @@
   static_assert(offsetof(Record, rows) == (offset) && sizeof(Record::rows) == (count) * (rowSize) && \
                 sizeof(Record::rows[0]) == (rowSize))
 
-#define CALL_IS(Record, interfaceName, version, payloadSize)        \
-  static_assert(MciTraits<Record>::kInterface == (interfaceName) && \
-                MciTraits<Record>::kVersion == (version) && sizeof(Record) == (payloadSize))
+#define CALL_IS(Record, interfaceName, version, payloadSize)                                  \
+  static_assert(kInterfaceOf<Record> == (interfaceName) && kVersionOf<Record> == (version) && \
+                sizeof(Record) == (payloadSize))
+
+#define REQUEST_IS(Record, requestNumber, size) \
+  static_assert(MkiTraits<Record>::kRequest == (requestNumber) && sizeof(Record) == (size))
+
+#define COMMAND_IS(Record, commandNumber, lengthValue)            \
+  static_assert(IpcTraits<Record>::kCommand == (commandNumber) && \
+                IpcTraits<Record>::kLength == (lengthValue) && sizeof(Record) == 264)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <utility>
 
 #include "common/mkis/intf_names.h"
@@ -33,6 +34,14 @@ class MiscKernelAccessorBase {
 #include "common/mkis/misc_interfaces.def"
 #undef MISC_INTERFACE
 
+  /// The one line of a call that failed.
+  void logFailure(const char* action, KelpReturn state) const;
+  /// Held from asking for a sample of processes until it is fetched: a device has one at a time, and who
+  /// fetches after another thread finds it empty.
+  std::mutex& sampleMutex() const {
+    return sampleMutex_;
+  }
+
  protected:
   int fd() const {
     return node_.fd();
@@ -41,6 +50,7 @@ class MiscKernelAccessorBase {
  private:
   NodeFile node_;
   DevArch arch_ = DevArch::kUnknown;
+  mutable std::mutex sampleMutex_;
 };
 
 }  // namespace kelp::linux_

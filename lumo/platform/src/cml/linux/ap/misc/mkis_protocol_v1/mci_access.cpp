@@ -59,10 +59,6 @@ KelpReturn MiscKernelAccessorV1::access(const char* recordName, MciHeader& heade
   return status < kStates.size() ? kStates[status] : KelpReturn::kFailure;
 }
 
-void MiscKernelAccessorV1::logFailure(const char* action, KelpReturn state) const {
-  KELP_LOG(kError) << std::string("failed to ").append(action).append(", access error is ") << state;
-}
-
 MkisStated<u16> MiscKernelAccessorV1::scanPdu() const {
   MkisScanPduHeaderPv1 scan{};
   scan.header = newHeader(MciPduType::kScan, sizeof scan - sizeof scan.header);

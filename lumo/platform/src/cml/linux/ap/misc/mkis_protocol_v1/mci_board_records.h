@@ -1,16 +1,11 @@
 #pragma once
 
-#include <span>
-
-#include "commands.h"
+#include "linux/ap/misc/device_exchange.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
 // What a board has around its chip: fans, power, voltage and displays.
 
 namespace kelp::linux_ {
-
-/// Fans that a board is believed to have.
-constexpr u32 kMaxFans = 16;
 
 struct [[gnu::packed]] MciGetFanCountV1 {
   u32 count;  // 0
@@ -67,14 +62,7 @@ struct [[gnu::packed]] MciGetDispConfInfoV1 {
 MCI_RECORD(MciGetDispConfInfoV1, 61, 1, 154);
 
 inline std::vector<DispInterfaceInfo> readReply(const MciGetDispConfInfoV1& reply) {
-  std::vector<DispInterfaceInfo> displays;
-  for (const MciDisplayRow& row : std::span(reply.rows, rowsOf(reply.count, reply.rows))) {
-    displays.push_back({.type = static_cast<DispIntfType>(row.type),
-                        .hRes = unlessAllOnes<unsigned int>(u32{row.hRes}),
-                        .vRes = unlessAllOnes<unsigned int>(u32{row.vRes}),
-                        .pixelClock = unlessAllOnes<unsigned int>(u32{row.pixelClock})});
-  }
-  return displays;
+  return readDisplays(reply, reply.count);
 }
 
 struct [[gnu::packed]] MciGetGpuVoltageV1 {

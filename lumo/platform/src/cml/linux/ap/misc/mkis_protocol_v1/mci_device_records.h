@@ -1,8 +1,6 @@
 #pragma once
 
-#include "commands.h"
-#include "common/mkis/firmware_components.h"
-#include "linux/ap/misc/dev_desc_record.h"
+#include "linux/ap/misc/device_exchange.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
 // Identity, description and firmware of a device, and its reset.
@@ -30,20 +28,12 @@ MCI_RECORD(MciGetMgtDevDescV1, 8, 1, 60);
 struct [[gnu::packed]] MciGetMgtDevDescV2 : MciMgtDevDesc {};
 MCI_RECORD(MciGetMgtDevDescV2, 8, 2, 60);
 
-inline DevDesc readReply(const MciMgtDevDesc& reply) {
-  return readDevDesc(reply, reply.ionId);
-}
-
 struct [[gnu::packed]] MciGetInfoRomV1 {
   char serialNumber[64];  // 0
   char brand[64];         // 64
   WIRE_GAP(128, 256);
 };
 MCI_RECORD(MciGetInfoRomV1, 32, 1, 256);
-
-inline DeviceInfoRom readReply(const MciGetInfoRomV1& reply) {
-  return {.serialNumber = textOf(reply.serialNumber), .brand = textOf(reply.brand)};
-}
 
 struct [[gnu::packed]] MciResetDeviceEventMsgsV1 {
   WIRE_GAP(0, 16);
@@ -62,11 +52,7 @@ struct [[gnu::packed]] MciGetSmcFwVerV1 {
 MCI_RECORD(MciGetSmcFwVerV1, 52, 1, 40);
 
 inline FirmwareVersions readReply(const MciGetSmcFwVerV1& reply) {
-  FirmwareVersions versions;
-  for (std::size_t i = 0; i < std::size(reply.versions); ++i) {
-    versions.emplace(kFirmwareComponents[i], unlessAllOnes<unsigned int>(u32{reply.versions[i]}));
-  }
-  return versions;
+  return readFirmwareVersions(reply);
 }
 
 struct [[gnu::packed]] MciGetEfuseDataV1 {
@@ -83,13 +69,7 @@ inline void fillRequest(MciGetEfuseDataV1& request, const QueryEfuseDataParam& p
 }
 
 inline EfuseData readReply(const MciGetEfuseDataV1& reply) {
-  constexpr u32 kBitsHeld = sizeof reply.words * 8;
-  EfuseData data{
-      .startBit = reply.startBit, .bitCount = std::min(u32{reply.bitCount}, kBitsHeld), .words = {}};
-  for (std::size_t i = 0; i < std::size(reply.words); ++i) {
-    data.words.push_back(reply.words[i]);
-  }
-  return data;
+  return readEfuseData(reply);
 }
 
 struct [[gnu::packed]] MciGetDevNameV0 {

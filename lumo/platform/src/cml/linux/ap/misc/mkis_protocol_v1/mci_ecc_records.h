@@ -1,14 +1,11 @@
 #pragma once
 
-#include "commands.h"
+#include "linux/ap/misc/memory_exchange.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
 // Error correction of the memory and the pages that it took out of use.
 
 namespace kelp::linux_ {
-
-/// Pages that are believed of one cause: a reader goes through them one call each.
-constexpr u32 kMaxRetiredPages = 4096;
 
 struct [[gnu::packed]] MciGetEccRetiredPagesCntV1 {
   u32 singleBit;  // 0
@@ -16,11 +13,6 @@ struct [[gnu::packed]] MciGetEccRetiredPagesCntV1 {
   WIRE_GAP(8, 24);
 };
 MCI_RECORD(MciGetEccRetiredPagesCntV1, 45, 1, 24);
-
-inline EccPageRetirementCount readReply(const MciGetEccRetiredPagesCntV1& reply) {
-  return {.singleBit = std::min(u32{reply.singleBit}, kMaxRetiredPages),
-          .doubleBit = std::min(u32{reply.doubleBit}, kMaxRetiredPages)};
-}
 
 /// One page by cause and index; the wish lies in bytes of the page's row that the reply leaves unused.
 struct [[gnu::packed]] MciGetEccRetiredPagesInfoV1 {
@@ -36,19 +28,6 @@ struct [[gnu::packed]] MciGetEccRetiredPagesInfoV1 {
 };
 MCI_RECORD(MciGetEccRetiredPagesInfoV1, 46, 1, 56);
 
-inline void fillRequest(MciGetEccRetiredPagesInfoV1& request, const QueryEccPageRetirementInfoParam& param) {
-  request.wantedCause = param.cause;
-  request.wantedIndex = param.index;
-}
-inline EccPageRetirementInfo readReply(const MciGetEccRetiredPagesInfoV1& reply) {
-  return {.count = std::min(u64{reply.count}, u64{kMaxRetiredPages}),
-          .address = reply.address,
-          .timestamp = reply.timestamp,
-          .cause = reply.cause,
-          .location = reply.location,
-          .errorCount = reply.errorCount};
-}
-
 struct [[gnu::packed]] MciGetEccRetiredPagesPendingInfoV1 {
   u64 count;          // 0
   u64 address;        // 8
@@ -61,20 +40,6 @@ struct [[gnu::packed]] MciGetEccRetiredPagesPendingInfoV1 {
 };
 MCI_RECORD(MciGetEccRetiredPagesPendingInfoV1, 47, 1, 56);
 
-inline void fillRequest(MciGetEccRetiredPagesPendingInfoV1& request,
-                        const QueryEccPendingErrorInfoParam& param) {
-  request.wantedIndex = param.index;
-}
-inline EccPendingErrorInfo readReply(const MciGetEccRetiredPagesPendingInfoV1& reply) {
-  return {.count = reply.count,
-          .address = reply.address,
-          .timestamp = reply.timestamp,
-          .cause = reply.cause,
-          .location = reply.location,
-          .errorCount = reply.errorCount,
-          .lastErrorTime = reply.lastErrorTime};
-}
-
 struct [[gnu::packed]] MciGetEccModeV1 {
   u32 current;  // 0
   u8 pending;   // 4, after the next reset
@@ -82,20 +47,11 @@ struct [[gnu::packed]] MciGetEccModeV1 {
 };
 MCI_RECORD(MciGetEccModeV1, 48, 1, 21);
 
-inline EccModeInfo readReply(const MciGetEccModeV1& reply) {
-  return {.current = static_cast<EccMode>(u32{reply.current}),
-          .pending = static_cast<EccMode>(u32{reply.pending})};
-}
-
 struct [[gnu::packed]] MciSetEccModeV1 {
   u32 mode;  // 0, in
   WIRE_GAP(4, 20);
 };
 MCI_RECORD(MciSetEccModeV1, 49, 1, 20);
-
-inline void fillRequest(MciSetEccModeV1& request, EccMode mode) {
-  request.mode = static_cast<u32>(mode);
-}
 
 struct [[gnu::packed]] MciGetEccErrorsV0 {
   u32 errorType;    // 0, in

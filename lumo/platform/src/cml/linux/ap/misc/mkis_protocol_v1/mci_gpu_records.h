@@ -1,10 +1,7 @@
 #pragma once
 
-#include <span>
-
-#include "commands.h"
+#include "linux/ap/misc/device_exchange.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
-#include "linux/ap/misc/status_record.h"
 
 // Load, clocks, temperatures, build and reset of a GPU.
 
@@ -38,13 +35,6 @@ struct [[gnu::packed]] MciGetDeviceStatusV3 {
 };
 MCI_RECORD(MciGetDeviceStatusV3, 2, 3, 92);
 
-inline GpuStatus readReply(const MciGetDeviceStatusV2& reply) {
-  return readGpuStatus(reply);
-}
-inline GpuStatus readReply(const MciGetDeviceStatusV3& reply) {
-  return readGpuStatus(reply);
-}
-
 struct [[gnu::packed]] MciResetGpuV1 {
   WIRE_GAP(0, 20);
 };
@@ -55,10 +45,6 @@ struct [[gnu::packed]] MciResetGpuHwErrorCountsV1 {
   u64 mask;  // 16, in, a bit per group of counters
 };
 MCI_RECORD(MciResetGpuHwErrorCountsV1, 44, 1, 24);
-
-inline void fillRequest(MciResetGpuHwErrorCountsV1& request, const ResetGpuHwErrorCountsParam& param) {
-  request.mask = param.mask;
-}
 
 struct [[gnu::packed]] MciProcessGpuUtilRow {
   u32 pid;        // 0
@@ -86,23 +72,6 @@ struct [[gnu::packed]] MciGetProcessGpuUtilV1 : MciProcessGpuUtil {};
 MCI_RECORD(MciGetProcessGpuUtilV1, 30, 1, 4856);
 struct [[gnu::packed]] MciGetProcessGpuUtilV2 : MciProcessGpuUtil {};
 MCI_RECORD(MciGetProcessGpuUtilV2, 30, 2, 4856);
-
-constexpr u32 kProcessGpuUtilAsk = 0;
-constexpr u32 kProcessGpuUtilFetch = 2;
-
-inline ProcessGpuUtilMap readReply(const MciProcessGpuUtil& reply) {
-  ProcessGpuUtilMap processes;
-  for (const MciProcessGpuUtilRow& row : std::span(reply.rows, rowsOf(reply.count, reply.rows))) {
-    processes.emplace(row.pid, ProcessGpuUtil{.pid = row.pid,
-                                              .kind = row.kind,
-                                              .timestamp = row.timestamp,
-                                              .gpu = row.gpu,
-                                              .memory = row.memory,
-                                              .encoder = row.encoder,
-                                              .decoder = row.decoder});
-  }
-  return processes;
-}
 
 struct [[gnu::packed]] MciGetClockV1 {
   u32 clockId;    // 0, in
@@ -142,13 +111,7 @@ struct [[gnu::packed]] MciGetGpuConfInfoV1 {
 MCI_RECORD(MciGetGpuConfInfoV1, 60, 1, 12);
 
 inline GpuSpec readReply(const MciGetGpuConfInfoV1& reply) {
-  constexpr unsigned long kMega = 1000000;
-  GpuSpec spec;
-  spec.coreCount = u32{reply.coreCount};
-  spec.clusterCount = u32{reply.clusterCount};
-  spec.unitsPerCore = std::vector<unsigned int>(reply.coreCount, reply.unitsPerCore);
-  spec.maxClock = unlessZero<unsigned long>(reply.maxClock * kMega);
-  return spec;
+  return readGpuSpec(reply, reply.maxClock);
 }
 
 struct [[gnu::packed]] MciGetGpuConfInfoV2 {
@@ -174,13 +137,7 @@ struct [[gnu::packed]] MciGetTemperLimitInfoV1 {
 MCI_RECORD(MciGetTemperLimitInfoV1, 66, 1, 32);
 
 inline TemperatureLimitInfo readReply(const MciGetTemperLimitInfoV1& reply) {
-  const auto limit = [](s32 thousandths) -> Stated<float> {
-    if (thousandths == std::numeric_limits<s32>::min()) {
-      return KelpReturn::kNotSupported;
-    }
-    return ofThousandths(thousandths);
-  };
-  return {.slowdown = limit(reply.slowdown), .shutdown = limit(reply.shutdown)};
+  return readTemperatureLimits(reply);
 }
 
 struct [[gnu::packed]] MciGetPstateV0 {

@@ -1,11 +1,7 @@
 #pragma once
 
-#include <array>
-#include <span>
-
-#include "commands.h"
+#include "linux/ap/misc/memory_exchange.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
-#include "linux/ap/misc/status_record.h"
 
 // Memory of a device, the processes that hold it, and its error detection.
 
@@ -19,10 +15,6 @@ struct [[gnu::packed]] MciGetDeviceMemUsageV1 {
   WIRE_GAP(40, 72);
 };
 MCI_RECORD(MciGetDeviceMemUsageV1, 3, 1, 72);
-
-inline MemoryUsage readReply(const MciGetDeviceMemUsageV1& reply) {
-  return readMemoryUsage(reply);
-}
 
 struct [[gnu::packed]] MciProcessMemRow {
   u64 gpuMemory;     // 0
@@ -39,10 +31,6 @@ struct [[gnu::packed]] MciGetProcessLevelMemV3 {
 };
 MCI_RECORD(MciGetProcessLevelMemV3, 4, 3, 7384);
 
-inline ProcessMemoryMap readReply(const MciGetProcessLevelMemV3& reply) {
-  return readProcessMemory(reply);
-}
-
 struct [[gnu::packed]] MciGetDdrConfInfoV1 {
   u64 maxClock;  // 0, hertz, 0 unknown
   WIRE_GAP(8, 9);
@@ -53,21 +41,10 @@ struct [[gnu::packed]] MciGetDdrConfInfoV1 {
 };
 MCI_RECORD(MciGetDdrConfInfoV1, 57, 1, 24);
 
-/// Makers of memory chips by the number in the record; the gaps are unknown.
-inline Stated<std::string> memoryVendorOf(u32 number) {
-  constexpr std::array<const char*, 4> kVendors{nullptr, "Samsung", "Micron", "Hynix"};
-  if (number >= kVendors.size() || kVendors[number] == nullptr) {
-    return KelpReturn::kNotSupported;
-  }
-  return std::string(kVendors[number]);
-}
-
 inline MemorySpec readReply(const MciGetDdrConfInfoV1& reply) {
-  constexpr u32 kUnknownType = 15;
-  const u32 type = reply.typeVendor & 0xFU;
   MemorySpec spec;
   spec.maxClock = unlessZero<unsigned long>(u64{reply.maxClock});
-  spec.type = type == kUnknownType ? Stated<unsigned int>(KelpReturn::kNotSupported) : type;
+  spec.type = memoryTypeOf(reply.typeVendor & 0xFU);
   spec.vendor = memoryVendorOf(reply.typeVendor >> 4);
   spec.channelCount = unlessZero<unsigned int>(reply.channels & 0xFFU);
   spec.channelWidth = unlessZero<unsigned int>(u32{reply.channels} >> 8);
@@ -113,20 +90,8 @@ struct [[gnu::packed]] MciGetMemEdcV1 {
 };
 MCI_RECORD(MciGetMemEdcV1, 64, 1, 404);
 
-/// The channels together. A sum that leaves its field stays at the field's highest.
 inline MemoryEdc readReply(const MciGetMemEdcV1& reply) {
-  const std::span rows(reply.rows, rowsOf(reply.channelCount, reply.rows));
-  const auto sum = [&](auto counterOf) {
-    u64 total = 0;
-    for (const MciMemEdcRow& row : rows) {
-      total += counterOf(row);
-    }
-    return static_cast<u32>(std::min<u64>(total, std::numeric_limits<u32>::max()));
-  };
-  return {.readErrors = sum([](const MciMemEdcRow& row) { return u32{row.readErrors}; }),
-          .writeErrors = sum([](const MciMemEdcRow& row) { return u32{row.writeErrors}; }),
-          .readRetries = sum([](const MciMemEdcRow& row) { return u32{row.readRetries}; }),
-          .writeRetries = sum([](const MciMemEdcRow& row) { return u32{row.writeRetries}; })};
+  return sumOfChannels(reply);
 }
 
 struct [[gnu::packed]] MciGetMemEdcV2 {

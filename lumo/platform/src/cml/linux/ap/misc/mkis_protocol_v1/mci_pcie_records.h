@@ -1,8 +1,7 @@
 #pragma once
 
-#include "commands.h"
-#include "common/pcie_config_space.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
+#include "linux/ap/misc/pcie_exchange.h"
 
 // The PCI side of a device: its function, its slot, its traffic and its way to a peer.
 
@@ -15,10 +14,6 @@ struct [[gnu::packed]] MciGetPciConfigSpaceV1 {
 };
 MCI_RECORD(MciGetPciConfigSpaceV1, 6, 1, 272);
 
-inline PcieInfo readReply(const MciGetPciConfigSpaceV1& reply) {
-  return PcieConfigSpace(reply.configSpace).decode();
-}
-
 struct [[gnu::packed]] MciGetP2pStatusV1 {
   u32 peer;        // 0, in, misc number
   u32 capability;  // 4, in, 0 read, 1 write
@@ -27,14 +22,6 @@ struct [[gnu::packed]] MciGetP2pStatusV1 {
 };
 MCI_RECORD(MciGetP2pStatusV1, 7, 1, 28);
 
-inline void fillRequest(MciGetP2pStatusV1& request, const QueryP2pStatusParam& param) {
-  request.peer = param.peer;
-  request.capability = param.capability;
-}
-inline P2pCapStatus readReply(const MciGetP2pStatusV1& reply) {
-  return static_cast<P2pCapStatus>(u32{reply.status});
-}
-
 struct [[gnu::packed]] MciPciePerStartV2 {
   u32 interval;        // 0, in, milliseconds
   u32 sessionId;       // 4
@@ -42,13 +29,6 @@ struct [[gnu::packed]] MciPciePerStartV2 {
   WIRE_GAP(12, 28);
 };
 MCI_RECORD(MciPciePerStartV2, 26, 2, 28);
-
-inline void fillRequest(MciPciePerStartV2& request, const StartPciePerfParam& param) {
-  request.interval = param.interval;
-}
-inline unsigned int readReply(const MciPciePerStartV2& reply) {
-  return reply.sessionId;
-}
 
 struct [[gnu::packed]] MciPciePerReadV2 {
   WIRE_GAP(0, 4);
@@ -71,38 +51,12 @@ struct [[gnu::packed]] MciPciePerReadV2 {
 };
 MCI_RECORD(MciPciePerReadV2, 27, 2, 112);
 
-inline void fillRequest(MciPciePerReadV2& request, const QueryPciePerfDataParam& param) {
-  request.sessionId = param.sessionId;
-}
-inline PcieBandWidthData readReply(const MciPciePerReadV2& reply) {
-  return {.rxBytes = reply.rxBytes,
-          .txBytes = reply.txBytes,
-          .rxRate = reply.rxRate,
-          .txRate = reply.txRate,
-          .state = reply.state,
-          .rxMin = u32{reply.rxMin},
-          .rxMean = u32{reply.rxMean},
-          .rxMax = u32{reply.rxMax},
-          .txMin = u32{reply.txMin},
-          .txMean = u32{reply.txMean},
-          .txMax = u32{reply.txMax},
-          .samples = u32{reply.samples}};
-}
-
 struct [[gnu::packed]] MciPciePerStopV1 {
   u32 sessionId;  // 0, in
   u32 samples;    // 4
   WIRE_GAP(8, 24);
 };
 MCI_RECORD(MciPciePerStopV1, 28, 1, 24);
-
-inline void fillRequest(MciPciePerStopV1& request, const StopPciePerfParam& param) {
-  request.sessionId = param.sessionId;
-}
-/// The intervals that were taken in all.
-inline int readReply(const MciPciePerStopV1& reply) {
-  return static_cast<int>(std::min<u32>(reply.samples, std::numeric_limits<int>::max()));
-}
 
 struct [[gnu::packed]] MciGetPciSlotInfoV1 {
   u32 slotNumber;     // 0
@@ -111,19 +65,11 @@ struct [[gnu::packed]] MciGetPciSlotInfoV1 {
 };
 MCI_RECORD(MciGetPciSlotInfoV1, 31, 1, 60);
 
-inline PcieSlotInfo readReply(const MciGetPciSlotInfoV1& reply) {
-  return {.number = reply.slotNumber, .name = textOf(reply.slotName)};
-}
-
 struct [[gnu::packed]] MciPcieReplayCounterV1 {
   u64 replays;  // 0, since boot
   WIRE_GAP(8, 32);
 };
 MCI_RECORD(MciPcieReplayCounterV1, 35, 1, 32);
-
-inline unsigned long readReply(const MciPcieReplayCounterV1& reply) {
-  return reply.replays;
-}
 
 /// Bytes.
 struct [[gnu::packed]] MciQueryPcieBar2MemInfoV0 {

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <concepts>
 #include <type_traits>
 
-#include "linux/ap/wire.h"
+#include "linux/ap/misc/interface_record.h"
 
 namespace kelp::linux_ {
 
@@ -41,23 +40,6 @@ struct [[gnu::packed]] MciCall {
   Payload payload;
 };
 
-/// A number in a field that may be narrower: what does not fit becomes the field's highest, so that it
-/// never turns into another's number.
-template <class Field>
-constexpr Field saturated(u32 number) {
-  return static_cast<Field>(std::min<u32>(number, std::numeric_limits<Field>::max()));
-}
-
-/// A figure that the driver counts in thousandths.
-constexpr float ofThousandths(std::integral auto count) {
-  return static_cast<float>(count) / 1000.0F;
-}
-
-/// Two numbers in the driver's one 64-bit field.
-constexpr u64 selectorOf(u32 low, u32 high) {
-  return u64{low} | (u64{high} << 32);
-}
-
 /// What a payload's record line states; a payload without one can't be sent.
 template <class Payload>
 struct MciTraits;
@@ -68,8 +50,7 @@ struct MciTraits;
   template <>                                                                                              \
   struct MciTraits<Payload> {                                                                              \
     static constexpr const char* kName = #Payload;                                                         \
-    static constexpr u16 kInterface = interfaceName;                                                       \
-    static constexpr u8 kVersion = interfaceVersion;                                                       \
-  }
+  };                                                                                                       \
+  INTERFACE_RECORD(Payload, interfaceName, interfaceVersion)
 
 }  // namespace kelp::linux_

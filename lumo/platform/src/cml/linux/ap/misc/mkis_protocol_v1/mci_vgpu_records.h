@@ -1,6 +1,6 @@
 #pragma once
 
-#include "commands.h"
+#include "linux/ap/misc/memory_exchange.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
 // What the GPU that carries a vGPU knows of it. A vGPU is named by its number on that GPU.
@@ -14,13 +14,6 @@ struct [[gnu::packed]] MciGetVgpuUtilV1 {
 };
 MCI_RECORD(MciGetVgpuUtilV1, 33, 1, 24);
 
-inline void fillRequest(MciGetVgpuUtilV1& request, unsigned int vgpuId) {
-  request.vgpuId = vgpuId;
-}
-inline unsigned int readReply(const MciGetVgpuUtilV1& reply) {
-  return reply.utilization;
-}
-
 /// Bytes, all ones for a figure that is not available.
 struct [[gnu::packed]] MciGetVgpuMemInfoV1 {
   u32 vgpuId;  // 0, in
@@ -29,14 +22,6 @@ struct [[gnu::packed]] MciGetVgpuMemInfoV1 {
   WIRE_GAP(20, 36);
 };
 MCI_RECORD(MciGetVgpuMemInfoV1, 34, 1, 36);
-
-inline void fillRequest(MciGetVgpuMemInfoV1& request, unsigned int vgpuId) {
-  request.vgpuId = vgpuId;
-}
-inline GuestMemoryUsage readReply(const MciGetVgpuMemInfoV1& reply) {
-  return {.total = unlessAllOnes<unsigned long>(u64{reply.total}),
-          .used = unlessAllOnes<unsigned long>(u64{reply.used})};
-}
 
 struct [[gnu::packed]] MciMkisVgpuOverCommitInfoV0 {
   u32 vgpuId;        // 0, in

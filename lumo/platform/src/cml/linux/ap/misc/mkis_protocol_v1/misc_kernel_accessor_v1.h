@@ -1,7 +1,5 @@
 #pragma once
 
-#include <mutex>
-
 #include "linux/ap/misc/misc_kernel_accessor_base.h"
 #include "linux/ap/misc/mkis_protocol_v1/mci_record.h"
 
@@ -25,18 +23,12 @@ class MiscKernelAccessorV1 : public MiscKernelAccessorBase {
   MciHeader newHeader(MciPduType type, std::size_t bodySize) const;
   /// Sends a record that starts with a header and maps the driver's status.
   KelpReturn access(const char* recordName, MciHeader& header) const;
-  /// The one line of a call that failed.
-  void logFailure(const char* action, KelpReturn state) const;
-  /// Held from asking for a sample of processes until it is fetched: a device has one at a time, and who
-  /// fetches after another thread finds it empty.
-  std::mutex& sampleMutex() const { return sampleMutex_; }
 
  private:
   MkisStated<u16> scanPdu() const;
 
   u16 major_;
   u16 minor_;
-  mutable std::mutex sampleMutex_;
 };
 
 }  // namespace kelp::linux_

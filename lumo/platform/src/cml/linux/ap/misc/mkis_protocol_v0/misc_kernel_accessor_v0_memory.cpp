@@ -1,0 +1,14 @@
+#include "linux/ap/misc/mkis_protocol_v0/mki_call.h"
+#include "linux/ap/misc/mkis_protocol_v0/mki_memory_records.h"
+#include "linux/ap/misc/mkis_protocol_v0/mki_mpc_records.h"
+
+namespace kelp::linux_ {
+
+#define MKI_device(...)
+#define MKI_memory(...) MKI_SLOT(__VA_ARGS__)
+#define MKI_links(...)
+#define MKI_OPERATION(area, ...) MKI_##area(__VA_ARGS__)
+#define SMC_OPERATION(...)
+#include "linux/ap/misc/mkis_protocol_v0/mki_operations.def"
+
+}  // namespace kelp::linux_
