@@ -29,6 +29,14 @@ SimRefusal simReadSablink(const SimServing* serving);
 SimRefusal simStopSablink(const SimServing* serving);
 SimRefusal simSampleProcesses(const SimServing* serving);
 
+// ---- memory that is shared with the caller
+
+SimRefusal simAllocBuffer(const SimServing* serving);
+SimRefusal simFreeBuffer(const SimServing* serving);
+
+// The buffer of the caller's descriptor, if `lowHandle` is the low half of its handle and `size` bytes fit.
+SimRefusal simFindBuffer(SimCall* call, uint64_t lowHandle, uint32_t size, uint32_t* id);
+
 // Ends all measurements on a node.
 void simEndSessions(SimImage* image, uint32_t node);
 

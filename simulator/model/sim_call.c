@@ -65,3 +65,28 @@ int simWriteReply(SimCall* call, const SimCallFault* fault, size_t head, size_t 
   if (fault->hasShort && fault->shortTo < size - head) size = head + (size_t)fault->shortTo;
   return simWriteRecord(call, size);
 }
+
+static int isSame(const SimUnexpected* row, const SimCall* call) {
+  if (row->node != call->node || row->request != call->request || row->kind != call->kind) return 0;
+  if (row->hasInterface != call->hasInterface || row->command != call->command) return 0;
+  return !call->hasInterface || (row->interfaceName == call->interfaceName && row->version == call->version);
+}
+
+void simNoteUnexpected(SimImage* image, const SimCall* call) {
+  SimUnexpected* const rows = SIM_AT(image, SimUnexpected, unexpectedCalls);
+  ++image->unexpected;
+  for (uint32_t i = 0; i < image->unexpectedCalls.count; ++i) {
+    if (!rows[i].hits) {
+      rows[i] = (SimUnexpected){.node = call->node,
+                                .request = call->request,
+                                .interfaceName = call->hasInterface ? call->interfaceName : 0,
+                                .version = call->hasInterface ? call->version : 0,
+                                .kind = call->kind,
+                                .hasInterface = call->hasInterface,
+                                .command = call->command};
+    }
+    if (!isSame(&rows[i], call)) continue;
+    ++rows[i].hits;
+    return;
+  }
+}

@@ -3,6 +3,7 @@
 #define SIM_CALL_H
 
 #include "sim_faults.h"
+#include "sim_records.h"
 
 // Sets the call's errno and returns it.
 int simFail(SimCall* call, int error);
@@ -24,11 +25,17 @@ int simStartFaults(SimImage* image, SimCall* call, SimCallFault* fault);
 // touched by faults.
 int simWriteReply(SimCall* call, const SimCallFault* fault, size_t head, size_t size);
 
+// Writes down a call that the driver did not offer.
+void simNoteUnexpected(SimImage* image, const SimCall* call);
+
 // ---- the protocols; each answers the whole call and returns its errno
 
 int simAnswerProbe0(SimImage* image, SimCall* call, uint32_t protocol, uint32_t listed);
 int simAnswerPage(SimImage* image, SimCall* call, uint32_t protocol, const SimListed* listed, uint32_t total);
+// Whether a driver without protocol 1 lists an interface of the record, and the node's chip has it.
+int simOffers0(SimImage* image, const SimCall* call, const SimRecord* record);
 int simAnswerRecord0(SimImage* image, SimCall* call);
+int simAnswerSmc(SimImage* image, SimCall* call);
 
 int simAnswerProbe1(SimImage* image, SimCall* call);
 int simAnswerCall1(SimImage* image, SimCall* call);

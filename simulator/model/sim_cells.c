@@ -97,7 +97,9 @@ static int makeKey(const SimField* field, const SimSelection* selection, uint32_
 }
 
 static uint64_t numberFor(const SimField* field, const SimCell* cell) {
-  if (cell->kind != SIM_CELL_NA) return cell->number;
+  if (cell->kind != SIM_CELL_NA) {
+    return field->divisor ? (uint64_t)((int64_t)cell->number / field->divisor) : cell->number;
+  }
   return field->flags & SIM_FLAG_SIGNED_NA ? (uint64_t)1 << (8 * field->width - 1) : ~(uint64_t)0;
 }
 

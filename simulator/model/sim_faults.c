@@ -73,12 +73,17 @@ void simCallFaults(SimImage* image, SimCall* call, SimCallFault* result) {
   }
 }
 
-void simFileFaults(SimImage* image, const char* path, int opens, SimFileFault* result) {
+// Mapping is nothing that happens to a file: only faults of its own strike it.
+static int aimsAt(const SimFault* fault, enum SimAim aim) {
+  if (aim == SIM_AIM_MAP) return fault->target == SIM_FAULT_MAP;
+  return fault->target == SIM_FAULT_FILE || (fault->target == SIM_FAULT_OPEN && aim == SIM_AIM_OPEN);
+}
+
+void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFault* result) {
   SimFault* const faults = SIM_AT(image, SimFault, faults);
   for (uint32_t i = 0; i < image->faults.count; ++i) {
     SimFault* const fault = &faults[i];
-    const int applies = fault->target == SIM_FAULT_FILE || (fault->target == SIM_FAULT_OPEN && opens);
-    if (!applies || !patternMatches(image, fault, path) || !strikes(fault)) continue;
+    if (!aimsAt(fault, aim) || !patternMatches(image, fault, path) || !strikes(fault)) continue;
     switch (fault->effect) {
       case SIM_EFFECT_ERRNO:
         result->error = (int)fault->number;

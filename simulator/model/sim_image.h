@@ -14,7 +14,7 @@ extern "C" {
 
 enum {
   SIM_IMAGE_MAGIC = 0x4d495356,
-  SIM_IMAGE_LAYOUT = 2,
+  SIM_IMAGE_LAYOUT = 3,
 };
 
 enum SimValue {
@@ -64,6 +64,9 @@ enum SimNodeKind {
   SIM_NODE_CARD = 16,
 };
 
+// Forms of commands to the firmware, at most.
+enum { SIM_SMC_FORMS = 24 };
+
 // A device node. `cells` are sorted by value and key; a render node has those of its device.
 typedef struct SimNode {
   uint32_t kind;
@@ -76,6 +79,7 @@ typedef struct SimNode {
   uint32_t cellCount;
   uint64_t device;  // st_dev and st_ino of the file that stands for the node
   uint64_t inode;
+  uint32_t attempts[SIM_SMC_FORMS];  // those of each command that found the firmware busy
 } SimNode;
 
 // What `SimGpu.mpcState` is when it is not the id of a configuration.
@@ -88,6 +92,7 @@ enum {
 typedef struct SimGpu {
   uint32_t node;      // its own misc node
   uint32_t mpcState;  // id of the configuration that is set, or one of the above
+  uint32_t family;    // number of the chip family
 } SimGpu;
 
 // What a node of a GPU is in one state of the MPC mode. A node that has no face in a state is not there.
@@ -131,6 +136,7 @@ enum SimFaultTarget {
   SIM_FAULT_IOCTL,
   SIM_FAULT_FILE,  // every access of a path
   SIM_FAULT_OPEN,  // opening it alone
+  SIM_FAULT_MAP,   // mapping a node's shared buffer
 };
 
 enum SimFaultEffect {
@@ -150,6 +156,8 @@ enum SimCallKind {
   SIM_CALL_SCAN,
   SIM_CALL_LIST,
   SIM_CALL_RECORD,
+  SIM_CALL_SMC,
+  SIM_CALL_MEMORY,
   SIM_CALL_UNKNOWN,
   SIM_CALL_ANY = 0xff,
 };
@@ -179,6 +187,21 @@ enum SimProtocol {
   SIM_PROTOCOL_NONE,  // a driver from before the probes
 };
 
+enum { SIM_UNEXPECTED_COUNT = 64 };
+
+// What the driver was asked for and did not offer: one row for all calls that are the same.
+typedef struct SimUnexpected {
+  uint64_t hits;  // 0: not in use
+  uint32_t node;
+  uint32_t request;
+  uint32_t interfaceName;
+  uint16_t version;
+  uint8_t kind;  // enum SimCallKind
+  uint8_t hasInterface;
+  uint8_t command;
+  uint8_t reserved[7];
+} SimUnexpected;
+
 typedef struct SimTable {
   uint32_t offset;
   uint32_t count;
@@ -196,19 +219,25 @@ typedef struct SimImage {
   uint32_t loaded;          // the driver is there; if not, its nodes open for nobody
   uint32_t fixedTime;       // the wall clock stands still
   uint32_t lastSession;     // id of the session that was started last
-  int64_t time;             // seconds since the epoch
-  uint64_t calls;           // ioctls so far
-  SimTable nodes;           // SimNode
-  SimTable gpus;            // SimGpu
-  SimTable faces;           // SimFace
-  SimTable nodePaths;       // SimNodePath
-  SimTable sessions;        // SimSession
-  SimTable cells;           // SimCell
-  SimTable steps;           // SimCell
-  SimTable listed;          // SimListed, misc
-  SimTable renderListed;    // SimListed
-  SimTable faults;          // SimFault
-  SimTable removed;         // u32 offsets of paths that are hidden although the machine has them
+  uint32_t lastBuffer;      // number of the shared buffer that was made last
+  uint32_t busyAttempts;    // so many attempts of a command find the firmware busy
+  uint32_t busyAgain;       // every time, and not only at first
+  uint32_t reserved;
+  int64_t time;              // seconds since the epoch
+  uint64_t calls;            // ioctls so far
+  uint64_t unexpected;       // those that the driver did not offer
+  SimTable nodes;            // SimNode
+  SimTable gpus;             // SimGpu
+  SimTable faces;            // SimFace
+  SimTable nodePaths;        // SimNodePath
+  SimTable sessions;         // SimSession
+  SimTable cells;            // SimCell
+  SimTable steps;            // SimCell
+  SimTable listed;           // SimListed, misc
+  SimTable renderListed;     // SimListed
+  SimTable faults;           // SimFault
+  SimTable removed;          // u32 offsets of paths that are hidden although the machine has them
+  SimTable unexpectedCalls;  // SimUnexpected
 } SimImage;
 
 #define SIM_AT(image, type, table) ((type*)(void*)((char*)(uintptr_t)(image) + (image)->table.offset))

@@ -11,6 +11,7 @@
 #define REQUEST_RENDER_LIST 0xC148648Cu
 #define REQUEST_VPU_INLINE 0xC0A0648Au
 #define REQUEST_VPU 0xC028648Au
+#define REQUEST_SMC 0xC1084D01u
 
 static int answerRender(SimImage* image, SimCall* call) {
   switch (call->request) {
@@ -24,7 +25,7 @@ static int answerRender(SimImage* image, SimCall* call) {
     case REQUEST_VPU:
       return simAnswerVpu(image, call);
     default:
-      call->kind = SIM_CALL_UNKNOWN;
+      call->isUnexpected = 1;
       return simFail(call, SIM_ENOTTY);
   }
 }
@@ -40,8 +41,22 @@ static int answerMisc(SimImage* image, SimCall* call) {
     case REQUEST_LIST_0:
       return simAnswerPage(image, call, image->protocol, SIM_AT(image, SimListed, listed),
                            image->listed.count);
+    case REQUEST_SMC:
+      return simAnswerSmc(image, call);
     default:
       return simAnswerRecord0(image, call);
+  }
+}
+
+static int answer(SimImage* image, SimCall* call) {
+  switch (simNodeOf(image, call)->kind) {
+    case SIM_NODE_RENDER:
+      return answerRender(image, call);
+    case SIM_NODE_CARD:
+      call->isUnexpected = 1;
+      return simFail(call, SIM_ENOTTY);
+    default:
+      return answerMisc(image, call);
   }
 }
 
@@ -52,17 +67,19 @@ int simIoctl(SimImage* image, SimCall* call) {
   call->hasInterface = 0;
   call->nodesChanged = 0;
   call->dropsEvents = 0;
+  call->isUnexpected = 0;
+  call->command = 0;
   call->hangMs = 0;
   __atomic_fetch_add(&image->calls, 1, __ATOMIC_RELAXED);
   if (simIsGone(image, call)) return simFail(call, SIM_ENODEV);
-  switch (simNodeOf(image, call)->kind) {
-    case SIM_NODE_RENDER:
-      return answerRender(image, call);
-    case SIM_NODE_CARD:
-      return simFail(call, SIM_ENOTTY);
-    default:
-      return answerMisc(image, call);
-  }
+  answer(image, call);
+  if (call->isUnexpected) simNoteUnexpected(image, call);
+  return call->error;
+}
+
+const char* simKindName(uint32_t kind) {
+  static const char* const names[] = {"probe", "scan", "list", "record", "smc", "memory", "unknown"};
+  return kind < sizeof names / sizeof names[0] ? names[kind] : 0;
 }
 
 int simFindNode(const SimImage* image, uint64_t device, uint64_t inode) {

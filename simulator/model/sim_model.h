@@ -45,6 +45,24 @@ enum SimStatus {
 
 enum { SIM_MAX_RECORD = 16384 };
 
+struct SimCall;
+
+// Memory that driver and caller share. A descriptor keeps one number for the driver, 0 at first, which is
+// gone when the last copy of the descriptor is closed.
+typedef struct SimBuffers {
+  uint64_t (*held)(struct SimCall* call);
+  void (*hold)(struct SimCall* call, uint64_t number);
+  // These return 0, or not 0 when it cannot be done.
+  int (*make)(struct SimCall* call, uint32_t id, size_t size);
+  int (*fill)(struct SimCall* call, uint32_t id, const void* from, size_t size);
+  void (*drop)(struct SimCall* call, uint32_t id);
+} SimBuffers;
+
+// The buffer that a descriptor's number stands for; 0 none.
+static inline uint32_t simBufferOf(uint64_t held) {
+  return (uint32_t)(held >> 16);
+}
+
 // One ioctl: what is asked, a buffer to work in, what came of it.
 typedef struct SimCall {
   // Filled by the shell. Both return 0, or not 0 when the memory cannot be reached.
@@ -53,7 +71,8 @@ typedef struct SimCall {
   // Whether the caller has a node of a device open that is not `owner`'s, the index of a misc node. Null
   // stands for no.
   int (*othersOpen)(struct SimCall* call, uint32_t owner);
-  uint32_t node;  // index in the node table
+  const SimBuffers* buffers;  // null: the caller cannot share memory
+  uint32_t node;              // index in the node table
   uint32_t request;
   uint64_t argument;
 
@@ -64,6 +83,8 @@ typedef struct SimCall {
   uint8_t hasInterface;  // the next two are told
   uint8_t nodesChanged;  // the shell has to bring the paths of the nodes in line
   uint8_t dropsEvents;   // the shell has to empty the event queues of the node's GPU
+  uint8_t isUnexpected;  // the driver did not offer what was asked for
+  uint8_t command;       // to the firmware
   uint16_t version;
   uint32_t interfaceName;
   uint64_t hangMs;  // to be waited, outside of any lock, before the answer is handed over
@@ -72,6 +93,9 @@ typedef struct SimCall {
 
 // Answers the call; the result is call->error.
 int simIoctl(SimImage* image, SimCall* call);
+
+// The name of a kind of call, as faults and traces have it.
+const char* simKindName(uint32_t kind);
 
 // Index of the node, or -1.
 int simFindNode(const SimImage* image, uint64_t device, uint64_t inode);
@@ -92,8 +116,10 @@ typedef struct SimFileFault {
   size_t textLength;
 } SimFileFault;
 
-// Counts the access against every fault that matches it. `opens` tells that the path is opened.
-void simFileFaults(SimImage* image, const char* path, int opens, SimFileFault* fault);
+enum SimAim { SIM_AIM_LOOK, SIM_AIM_OPEN, SIM_AIM_MAP };
+
+// Counts the access against every fault that matches it.
+void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFault* fault);
 
 // Globs of fault specifications: * and ? stay within a folder, ** does not.
 int simGlobMatches(const char* pattern, const char* text);

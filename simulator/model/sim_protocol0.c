@@ -1,7 +1,6 @@
 // Protocol 0: probe, list in pages, a request for each record. The render node has the first two.
 #include "sim_call.h"
 #include "sim_cells.h"
-#include "sim_records.h"
 
 enum {
   kProbeSize = 16,
@@ -27,6 +26,7 @@ int simAnswerPage(SimImage* image, SimCall* call, uint32_t protocol, const SimLi
                   uint32_t total) {
   SimCallFault fault = {0};
   call->kind = SIM_CALL_LIST;
+  call->isUnexpected = protocol != SIM_PROTOCOL_0;
   if (simStartFaults(image, call, &fault)) return call->error;
   if (protocol != SIM_PROTOCOL_0) return simFail(call, SIM_ENOTTY);
   if (simReadRecord(call, kPageSize)) return call->error;
@@ -52,29 +52,52 @@ static int isOfOldestDriver(const SimRecord* record) {
                                   record->interfaceName == 4 || record->interfaceName == 6);
 }
 
-static int isListedAs(SimImage* image, const SimRecord* record) {
+static int isListedAs(SimImage* image, uint32_t name, uint16_t version) {
   const SimListed* const listed = SIM_AT(image, SimListed, listed);
   for (uint32_t i = 0; i < image->listed.count; ++i) {
-    if (listed[i].name == record->interfaceName) {
-      return listed[i].minVersion <= record->version && record->version <= listed[i].maxVersion;
-    }
+    if (listed[i].name == name) return listed[i].minVersion <= version && version <= listed[i].maxVersion;
   }
   return 0;
 }
 
+int simOffers0(SimImage* image, const SimCall* call, const SimRecord* record) {
+  const uint32_t family = SIM_AT(image, SimGpu, gpus)[simNodeOf(image, call)->gpu].family;
+  if (record->families && !(record->families >> family & 1)) return 0;
+  if (image->protocol == SIM_PROTOCOL_NONE) return isOfOldestDriver(record);
+  if (image->protocol != SIM_PROTOCOL_0) return 0;
+  if (record->interfaceName && isListedAs(image, record->interfaceName, record->version)) return 1;
+  for (const uint16_t* name = record->further; name && *name; ++name) {
+    if (isListedAs(image, *name, record->version)) return 1;
+  }
+  return 0;
+}
+
+// Versions of an interface may share a number: the one that is offered, or else the first of that number.
+static const SimRecord* findRecord(SimImage* image, SimCall* call) {
+  uint32_t count;
+  const SimRecord* const records = simRecords0(&count);
+  const SimRecord* found = 0;
+  call->isUnexpected = 1;
+  for (uint32_t i = 0; i < count && call->isUnexpected; ++i) {
+    if (records[i].request != call->request) continue;
+    call->isUnexpected = !simOffers0(image, call, &records[i]);
+    if (!found || !call->isUnexpected) found = &records[i];
+  }
+  return image->protocol == SIM_PROTOCOL_1 ? 0 : found;
+}
+
 int simAnswerRecord0(SimImage* image, SimCall* call) {
-  const SimRecord* const record = image->protocol == SIM_PROTOCOL_1 ? 0 : simFindRecord0(call->request);
+  const SimRecord* const record = findRecord(image, call);
   SimCallFault fault = {0};
-  call->kind = record ? SIM_CALL_RECORD : SIM_CALL_UNKNOWN;
-  if (record) {
+  // What belongs to no interface is about memory that is shared.
+  call->kind = !record ? SIM_CALL_UNKNOWN : record->interfaceName ? SIM_CALL_RECORD : SIM_CALL_MEMORY;
+  if (record && record->interfaceName) {
     call->hasInterface = 1;
     call->interfaceName = record->interfaceName;
     call->version = record->version;
   }
   if (simStartFaults(image, call, &fault)) return call->error;
-  const int served =
-      record && (image->protocol == SIM_PROTOCOL_0 ? isListedAs(image, record) : isOfOldestDriver(record));
-  if (!served) return simFail(call, SIM_ENOTTY);
+  if (call->isUnexpected) return simFail(call, SIM_ENOTTY);
   if (simReadRecord(call, record->size)) return call->error;
   SimSelection selection;
   simReadSelection(record, call->buffer, &selection);

@@ -35,12 +35,18 @@ static int answerStatus(SimCall* call, uint32_t status) {
   return simWriteRecord(call, kHeaderSize);
 }
 
+// A call whose form the driver does not know.
+static int answerUnknownForm(SimCall* call, uint32_t status) {
+  call->isUnexpected = 1;
+  return answerStatus(call, status);
+}
+
 static int answerScan(SimImage* image, SimCall* call, uint64_t bodySize) {
   SimCallFault fault = {0};
   call->kind = SIM_CALL_SCAN;
   if (simStartFaults(image, call, &fault)) return call->error;
   if (fault.hasStatus) return answerStatus(call, fault.status);
-  if (bodySize != kScanBodySize) return answerStatus(call, SIM_BAD_SIZE);
+  if (bodySize != kScanBodySize) return answerUnknownForm(call, SIM_BAD_SIZE);
   if (simReadRecord(call, kHeaderSize + kScanBodySize)) return call->error;
   const SimNode* const nodes = SIM_AT(image, SimNode, nodes);
   uint32_t misc = 0;
@@ -83,7 +89,7 @@ static int answerList(SimImage* image, SimCall* call, uint64_t bodySize) {
   call->kind = SIM_CALL_LIST;
   if (simStartFaults(image, call, &fault)) return call->error;
   if (fault.hasStatus) return answerStatus(call, fault.status);
-  if (bodySize < kListedSize || bodySize % kListedSize) return answerStatus(call, SIM_BAD_SIZE);
+  if (bodySize < kListedSize || bodySize % kListedSize) return answerUnknownForm(call, SIM_BAD_SIZE);
   if (simReadRecord(call, kHeaderSize + kListedSize)) return call->error;
   const uint64_t wanted = simGet(call->buffer + kHeaderSize, 2);
   if (bodySize / kListedSize - 1 < wanted) return answerStatus(call, SIM_BUFFER_TOO_SMALL);
@@ -95,35 +101,41 @@ static int answerList(SimImage* image, SimCall* call, uint64_t bodySize) {
   return writeListed(image, call, (uint32_t)delivered, fault.ones);
 }
 
-static uint32_t checkCall(SimImage* image, const SimCall* call, uint64_t bodySize, const SimRecord** record) {
+// What the driver did not list, or not so, is unexpected; what it lists and has no record of is its own
+// fault.
+static uint32_t checkCall(SimImage* image, SimCall* call, uint64_t bodySize, const SimRecord** record) {
   const SimListed* const listed = SIM_AT(image, SimListed, listed);
   const SimListed* entry = 0;
   for (uint32_t i = 0; i < image->listed.count && !entry; ++i) {
     if (listed[i].name == call->interfaceName) entry = &listed[i];
   }
+  call->isUnexpected = 1;
   if (!entry) return SIM_UNKNOWN_INTERFACE;
   if (call->version < entry->minVersion || call->version > entry->maxVersion) return SIM_UNKNOWN_VERSION;
   *record = simFindRecord1(call->interfaceName, call->version);
+  call->isUnexpected = 0;
   if (!*record) return SIM_UNKNOWN_VERSION;
   const uint64_t payload = simGet(call->buffer + 28, 4);
-  if (payload != (*record)->size || bodySize != kBodyHeadSize + payload) return SIM_BAD_SIZE;
-  return SIM_DONE;
+  if (payload == (*record)->size && bodySize == kBodyHeadSize + payload) return SIM_DONE;
+  call->isUnexpected = 1;
+  return SIM_BAD_SIZE;
 }
 
 static int answerCall(SimImage* image, SimCall* call, uint64_t bodySize) {
   SimCallFault fault = {0};
+  const SimRecord* record = 0;
+  uint32_t refused = SIM_BAD_SIZE;
   call->kind = SIM_CALL_RECORD;
+  call->isUnexpected = 1;
   if (bodySize >= kBodyHeadSize) {
     if (simReadRecord(call, kPayloadOffset)) return call->error;
     call->hasInterface = 1;
     call->interfaceName = (uint32_t)simGet(call->buffer + 24, 2);
     call->version = (uint16_t)simGet(call->buffer + 26, 1);
+    refused = checkCall(image, call, bodySize, &record);
   }
   if (simStartFaults(image, call, &fault)) return call->error;
   if (fault.hasStatus) return answerStatus(call, fault.status);
-  if (!call->hasInterface) return answerStatus(call, SIM_BAD_SIZE);
-  const SimRecord* record = 0;
-  const uint32_t refused = checkCall(image, call, bodySize, &record);
   if (refused) return answerStatus(call, refused);
 
   if (simReadRecord(call, kPayloadOffset + record->size)) return call->error;
@@ -142,13 +154,15 @@ static int answerCall(SimImage* image, SimCall* call, uint64_t bodySize) {
 
 int simAnswerCall1(SimImage* image, SimCall* call) {
   call->kind = SIM_CALL_UNKNOWN;
-  if (image->protocol != SIM_PROTOCOL_1) {
+  // A driver whose lowest protocol is a later one serves none of this.
+  if (image->protocol != SIM_PROTOCOL_1 || image->currentMinor > 1) {
     SimCallFault fault = {0};
+    call->isUnexpected = 1;
     return simStartFaults(image, call, &fault) ? call->error : simFail(call, SIM_ENOTTY);
   }
   if (simReadRecord(call, kHeaderSize)) return call->error;
   const uint64_t bodySize = simGet(call->buffer + kBodySizeOffset, 4);
-  if (bodySize > kMaxBody) return answerStatus(call, SIM_BAD_SIZE);
+  if (bodySize > kMaxBody) return answerUnknownForm(call, SIM_BAD_SIZE);
   switch (simGet(call->buffer + kKindOffset, 4)) {
     case 0:
       return answerScan(image, call, bodySize);
@@ -158,6 +172,7 @@ int simAnswerCall1(SimImage* image, SimCall* call) {
       return answerCall(image, call, bodySize);
     default: {
       SimCallFault fault = {0};
+      call->isUnexpected = 1;
       return simStartFaults(image, call, &fault) ? call->error : simFail(call, SIM_EINVAL);
     }
   }

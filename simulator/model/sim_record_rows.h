@@ -20,6 +20,8 @@
   { .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .flags = SIM_FLAG_OPTIONAL }
 #define OUT_SIGNED(at, size, id) \
   { .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .flags = SIM_FLAG_SIGNED_NA }
+#define OUT_DIVIDED(at, size, id, by) \
+  { .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .divisor = by }
 #define OUT_AS(at, size, id, key)                                                                          \
   {                                                                                                        \
     .offset = at, .width = size, .type = SIM_FIELD_NUMBER, .value = SIM_##id, .flags = SIM_FLAG_FIXED_KEY, \
@@ -107,5 +109,34 @@ enum {
     .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
     .needs = what, .fields = table, .fieldCount = COUNT_OF(table), .rows = &(list)             \
   }
+
+#define ACTION0(number, name, edition, bytes, who, what, table, act)                           \
+  {                                                                                            \
+    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
+    .needs = what, .fields = table, .fieldCount = COUNT_OF(table), .action = act               \
+  }
+#define ACTION0_FIRST(number, name, edition, bytes, who, what, table, n, act)                  \
+  {                                                                                            \
+    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
+    .needs = what, .fields = table, .fieldCount = n, .action = act                             \
+  }
+#define ACTION0_BARE(number, name, edition, bytes, who, what, act)                             \
+  {                                                                                            \
+    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who, \
+    .needs = what, .action = act                                                               \
+  }
+#define ACTION0_ROWS(number, name, edition, bytes, who, what, table, list, act)                   \
+  {                                                                                               \
+    .request = number, .interfaceName = name, .version = edition, .size = bytes, .nodes = who,    \
+    .needs = what, .fields = table, .fieldCount = COUNT_OF(table), .rows = &(list), .action = act \
+  }
+
+// ---- chip families, a bit for each
+
+enum {
+  kWold = 1 << 1,
+  kFen = 1 << 2 | 1 << 3,
+  kTor1 = 1 << 4,
+};
 
 #endif

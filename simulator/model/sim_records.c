@@ -1,4 +1,5 @@
 #include "sim_actions.h"
+#include "sim_board.h"
 #include "sim_record_rows.h"
 
 // ---- fields that records share
@@ -209,6 +210,7 @@ static const SimField switchMpcFields[] = {IN_KEY(0, 1)};
 static const SimField linkFields[] = {IN_KEY(0, 4)};
 static const SimField clearEccFields[] = {IN_KEY(0, 4)};
 static const SimField clearCountsFields[] = {IN_KEY(16, 4), IN_KEY(20, 4)};
+static const SimField clearCountsFieldsOld[] = {IN_KEY(0, 4), IN_KEY(4, 4)};
 
 // ---- fields of measurements
 
@@ -225,6 +227,7 @@ static const SimField pcieReadFields[] = {
     OUT(68, 4, PCIE_TX_MEAN),
     OUT(72, 4, PCIE_TX_MAX),
 };
+enum { kPcieReadFieldsToRxMax = 7 };
 static const SimField pcieStopFields[] = {IN_KEY(0, 4)};
 static const SimField sablinkReadFields[] = {
     IN_KEY(48, 4),
@@ -232,12 +235,21 @@ static const SimField sablinkReadFields[] = {
     OUT(24, 8, SABLINK_RX_RATE),
     OUT(32, 8, SABLINK_TX_RATE),
 };
+static const SimField sablinkReadFieldsOld[] = {
+    IN_KEY(0, 4),
+    IN_KEY(4, 4),
+    OUT(24, 8, SABLINK_RX_RATE),
+    OUT(32, 8, SABLINK_TX_RATE),
+};
 static const SimField sablinkStopFields[] = {IN_KEY(16, 4), IN_KEY(20, 4)};
+static const SimField sablinkStopFieldsOld[] = {IN_KEY(0, 4), IN_KEY(4, 4)};
 
 // A sample is asked for and fetched; version 1 knows no environment.
 static const SimField sampleFields1[] = {IN_KEY(0, 4)};
 static const SimField sampleFields2[] = {IN_KEY(0, 4), IN_KEY(4, 4)};
 static const SimRows sampleRows = {.countOffset = 36, .countWidth = 4, .base = 40, .stride = 60, .max = 80};
+static const SimRows sampleRowsOld = {
+    .countOffset = 36, .countWidth = 4, .base = 48, .stride = 40, .max = 80};
 
 // ---- records
 
@@ -329,32 +341,70 @@ static const SimRecord records0[] = {
     LIST0(0xBC084DA7, 4, 1, 15368, kAny, 0, processRowsOld1),
     LIST0(0xA3104DA7, 4, 2, 8976, kAny, 0, processRowsOld2),
     RECORD0(0x81084DA9, 6, 0, 264, kAny, 0, configSpaceFields),
-    RECORD0(0x80304DAB, 7, 0, 48, kAny, 0, p2pFields),
+    RECORD0(0x80304DAB, 7, 0, 48, kAny, SIM_NEEDS_PEER, p2pFields),
     RECORD0_FIRST(0x802A4DB2, 8, 0, 42, kAny, 0, descriptionFields, kDescriptionFieldsBeforeIon),
     LIST0(0x86444DB3, 9, 0, 1604, kParent, 0, profileRowsOld),
     LIST0(0x8CC44DB4, 10, 0, 3268, kParent, 0, configurationRowsOld),
     LIST0(0x80464DB5, 11, 0, 70, kParent, 0, instanceRows),
+    ACTION0(0x40024DB6, 12, 0, 2, kParent, 0, setConfigurationFields, simSetConfiguration),
     RECORD0(0x80024DB7, 13, 0, 2, kInstance, 0, parentFields),
     RECORD0(0x80324DB8, 14, 0, 50, kInstance, 0, ownProfileFields),
+    ACTION0(0x40014DB9, 15, 0, 1, kPlain | kParent, 0, switchMpcFields, simSwitchMpc),
     RECORD0_FIRST(0x80024DBA, 16, 0, 2, kParent, 0, currentFields, kCurrentFieldsOfOldRecord),
     RECORD0(0x800C4DC0, 17, 1, 12, kAny, kSablink, sablinkSpecFields),
-    RECORD0(0x800C4DC1, 18, 1, 12, kAny, kSablink, sablinkCapabilityFields),
-    RECORD0(0x80084DC2, 19, 1, 8, kAny, kSablink, sablinkStateFields),
-    RECORD0(0x80104DC3, 20, 2, 16, kAny, kSablink, sablinkErrorFields),
-    LIST0_OF(0x80884DC5, 22, 1, 136, kAny, kSablink, peerFieldsOld, layoutRowsOld),
-    RECORD0(0x80244DC6, 23, 1, 36, kAny, kSablink, remoteDeviceFields),
-    LIST0_OF(0x84484DC7, 24, 1, 1096, kAny, kSablink, peerFieldsOld, pathRowsOld),
+    RECORD0(0x800C4DC1, 18, 1, 12, kAny, kLink, sablinkCapabilityFields),
+    RECORD0(0x80084DC2, 19, 1, 8, kAny, kLink, sablinkStateFields),
+    // One record to the driver, of which callers of version 1 know the first kinds alone.
+    RECORD0(0x80104DC3, 20, 1, 16, kAny, kLink, sablinkErrorFields),
+    RECORD0(0x80104DC3, 20, 2, 16, kAny, kLink, sablinkErrorFields),
+    ACTION0(0x40044DC4, 21, 1, 4, kAny, kLink, linkFields, simResetLink),
+    LIST0_OF(0x80884DC5, 22, 1, 136, kAny, kPeer, peerFieldsOld, layoutRowsOld),
+    RECORD0(0x80244DC6, 23, 1, 36, kAny, kLink, remoteDeviceFields),
+    LIST0_OF(0x84484DC7, 24, 1, 1096, kAny, kPeer, peerFieldsOld, pathRowsOld),
+    ACTION0(0xC0084DC0, 26, 0, 8, kAny, 0, pcieStartFields, simStartPcie),
+    ACTION0(0xC00C4DC0, 26, 1, 12, kAny, 0, pcieStartFields, simStartPcie),
+    ACTION0_FIRST(0xC0404DC1, 27, 0, 64, kAny, 0, pcieReadFields, kPcieReadFieldsToRxMax, simReadPcie),
+    ACTION0(0xC0684DC1, 27, 1, 104, kAny, 0, pcieReadFields, simReadPcie),
+    ACTION0(0xC0084DC2, 28, 0, 8, kAny, 0, pcieStopFields, simStopPcie),
+    ACTION0_BARE(0x40044DBB, 29, 0, 4, kAny, 0, simResetGpu),
+    ACTION0_ROWS(0x8CB04DBC, 30, 0, 3248, kAny, SIM_OWN_ROWS, sampleFields1, sampleRowsOld,
+                 simSampleProcesses),
     RECORD0(0x80404DAA, 31, 0, 64, kAny, 0, slotFields),
     RECORD0(0x80804DAD, 32, 0, 128, kAny, 0, infoRomFields),
     RECORD0(0x80084DD0, 33, 0, 8, kAny, SIM_NEEDS_KEY, vgpuUtilizationFields),
     RECORD0(0x80144DD1, 34, 0, 20, kAny, SIM_NEEDS_KEY, vgpuMemoryFields),
     RECORD0(0x80204DE0, 35, 0, 32, kAny, 0, replayFields),
-    LIST0_OF(0xC0444DCB, 39, 0, 68, kAny, kSablink, serdesFields, serdesRows),
+    ACTION0(0xC00C4DC8, 36, 0, 12, kAny, kLink, linkFields, simStartSablink),
+    ACTION0(0xC0304DC9, 37, 0, 48, kAny, kLink, sablinkReadFieldsOld, simReadSablink),
+    ACTION0(0xC00C4DCA, 38, 0, 12, kAny, kLink, sablinkStopFieldsOld, simStopSablink),
+    LIST0_OF(0xC0444DCB, 39, 0, 68, kAny, kLink, serdesFields, serdesRows),
+    ACTION0_BARE(0x40104DE1, 43, 0, 16, kAny, 0, simDropEvents),
+    ACTION0(0x40084DBD, 44, 0, 8, kAny, 0, clearCountsFieldsOld, simClearCounts),
     RECORD0(0x80084DE2, 45, 0, 8, kAny, 0, retiredCountFields),
     RECORD0(0x80384DE3, 46, 0, 56, kAny, 0, retiredPageFields),
     RECORD0(0x80384DE4, 47, 0, 56, kAny, 0, retiringPageFields),
     RECORD0(0x80054DE5, 48, 0, 5, kAny, 0, eccModeFields),
     RECORD0(0x40044DE6, 49, 0, 4, kAny, 0, setEccModeFields),
+    ACTION0_BARE(0x40044DEA, 50, 0, 4, kAny, 0, simResetDevice),
+    {.request = 0x80684DAC,
+     .interfaceName = SIM_BOARD_INTERFACE,
+     .further = simBoardInterfaces,
+     .families = kTor1,
+     .size = 104,
+     .nodes = kAny,
+     .fields = simBoardFields,
+     .fieldCount = SIM_BOARD_HEAD_FIELDS,
+     .rows = &simBoardRowsShort},
+    {.request = 0xC0104D03,
+     .further = simBufferInterfaces,
+     .size = 16,
+     .nodes = kAny,
+     .action = simAllocBuffer},
+    {.request = 0xC0104D04,
+     .further = simBufferInterfaces,
+     .size = 16,
+     .nodes = kAny,
+     .action = simFreeBuffer},
 };
 
 const SimRecord* simRecords1(uint32_t* count) {
@@ -370,13 +420,6 @@ const SimRecord* simRecords0(uint32_t* count) {
 const SimRecord* simFindRecord1(uint32_t interfaceName, uint32_t version) {
   for (uint32_t i = 0; i < COUNT_OF(records1); ++i) {
     if (records1[i].interfaceName == interfaceName && records1[i].version == version) return &records1[i];
-  }
-  return 0;
-}
-
-const SimRecord* simFindRecord0(uint32_t request) {
-  for (uint32_t i = 0; i < COUNT_OF(records0); ++i) {
-    if (records0[i].request == request) return &records0[i];
   }
   return 0;
 }

@@ -36,6 +36,7 @@ typedef struct SimField {
   uint8_t shift;
   uint8_t bits;
   uint16_t fixedKey;
+  uint16_t divisor;  // of a signed number; 0 none
 } SimField;
 
 // A list inside a record: a count and rows of one form.
@@ -89,12 +90,14 @@ typedef struct SimServing {
 typedef SimRefusal (*SimAction)(const SimServing* serving);
 
 typedef struct SimRecord {
-  uint32_t request;  // protocol 0: the number that calls it; video engine: the operation
-  uint32_t size;     // bytes of payload, or of the whole record in protocol 0
-  uint32_t interfaceName;
+  uint32_t request;        // protocol 0: the number that calls it; video engine: the operation
+  uint32_t size;           // bytes of payload, or of the whole record in protocol 0
+  uint32_t interfaceName;  // 0: that of none by itself
   uint16_t version;
   uint8_t nodes;  // enum SimNodeKind, those that answer
   uint8_t needs;
+  uint8_t families;         // a bit for each number of a family that has the record; 0 all
+  const uint16_t* further;  // other interfaces that the record serves, 0 at the end; null none
   const SimField* fields;
   const SimRows* rows;
   uint32_t fieldCount;
@@ -103,12 +106,14 @@ typedef struct SimRecord {
 
 // Null when there is none.
 const SimRecord* simFindRecord1(uint32_t interfaceName, uint32_t version);
-const SimRecord* simFindRecord0(uint32_t request);
 
 // The records of a protocol in a row, for what lists them.
 const SimRecord* simRecords1(uint32_t* count);
 const SimRecord* simRecords0(uint32_t* count);
 const SimRecord* simVpuRecords(uint32_t* count);
+
+// The records that stand for commands to the firmware, one after the other; null behind the last.
+const SimRecord* simSmcRecord(uint32_t place);
 
 #ifdef __cplusplus
 }

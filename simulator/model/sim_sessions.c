@@ -16,6 +16,11 @@ static SimSession* findSession(const SimServing* serving, uint32_t kind, uint32_
   return 0;
 }
 
+// Older records end before some of the fields.
+static void put(const SimServing* serving, uint32_t at, uint32_t width, uint64_t number) {
+  if (at + width <= serving->record->size) simPut(serving->bytes + at, width, number);
+}
+
 // Fills id and interval of the start records, which have them at the same place.
 static SimRefusal start(const SimServing* serving, uint32_t kind, uint32_t link, uint64_t interval) {
   SimSession* const sessions = SIM_AT(serving->image, SimSession, sessions);
@@ -28,7 +33,7 @@ static SimRefusal start(const SimServing* serving, uint32_t kind, uint32_t link,
                                  .link = link,
                                  .interval = (uint32_t)interval};
   simPut(serving->bytes + 4, 4, sessions[place].id);
-  simPut(serving->bytes + 8, 4, interval);
+  put(serving, 8, 4, interval);
   return simRefuse(SIM_DONE);
 }
 
@@ -43,7 +48,7 @@ static SimRefusal advance(const SimServing* serving, SimSession* session, uint32
     const int isKnown = cell && cell->kind == SIM_CELL_NUMBER;
     simPut(serving->bytes + 8 + 8 * i, 8, isKnown ? cell->number * ms / 1000 : ~(uint64_t)0);
   }
-  simPut(serving->bytes + samplesAt, 4, session->samples);
+  put(serving, samplesAt, 4, session->samples);
   return simRefuse(SIM_DONE);
 }
 

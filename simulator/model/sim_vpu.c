@@ -8,6 +8,7 @@ enum {
   kInlineHead = 8,
   kPointedSize = 40,
   kFirstPointedVersion = 2,
+  kSpecification = 4,  // operation
 };
 
 // The places of the selection.
@@ -182,21 +183,27 @@ static int serveVpu(SimImage* image, SimCall* call, const SimRecord* record, con
   return 0;
 }
 
-// Names the call for faults and trace; true when it ends here.
-static int startVpu(SimImage* image, SimCall* call, const SimRecord* record, int isInline,
+// Whether the listed version asks so. The first version of the specification sends nothing at all.
+static int isFormOf(uint16_t version, const SimRecord* record, int isInline) {
+  if (!isInline) return version == record->version;
+  return version < kFirstPointedVersion && (version || record->request != kSpecification);
+}
+
+// Names the call for faults and trace; true when it ends here. A record of the wrong size is null.
+static int startVpu(SimImage* image, SimCall* call, const SimRecord* record, uint64_t operation, int isInline,
                     SimCallFault* fault) {
-  call->kind = SIM_CALL_RECORD;
+  const SimRecord* const named = record ? record : newestReply(operation);
   int isListed = 0;
-  if (record) {
+  call->kind = SIM_CALL_RECORD;
+  if (named) {
     call->hasInterface = 1;
-    call->interfaceName = record->interfaceName;
-    isListed = versionOf(image, record->interfaceName, &call->version);
+    call->interfaceName = named->interfaceName;
+    isListed = versionOf(image, named->interfaceName, &call->version);
   }
+  call->isUnexpected = !record || !isListed || !isFormOf(call->version, record, isInline);
   if (simStartFaults(image, call, fault)) return 1;
-  const int fits =
-      isListed && (isInline ? call->version < kFirstPointedVersion : call->version == record->version);
-  if (!fits) simFail(call, SIM_EINVAL);
-  return !fits;
+  if (call->isUnexpected) simFail(call, SIM_EINVAL);
+  return call->isUnexpected;
 }
 
 int simAnswerVpuInline(SimImage* image, SimCall* call) {
@@ -204,8 +211,9 @@ int simAnswerVpuInline(SimImage* image, SimCall* call) {
   if (simReadRecord(call, kInlineSize)) return call->error;
   const SimSelection selection = {
       {(uint32_t)simGet(call->buffer + 2, 2), (uint32_t)simGet(call->buffer + 4, 4), 0, 0}, SIM_MAX_KEYS};
-  const SimRecord* const record = newestReply(simGet(call->buffer, 2));
-  if (startVpu(image, call, record, 1, &fault)) return call->error;
+  const uint64_t operation = simGet(call->buffer, 2);
+  const SimRecord* const record = newestReply(operation);
+  if (startVpu(image, call, record, operation, 1, &fault)) return call->error;
   uint8_t* const reply = call->buffer + kInlineHead;
   for (uint32_t i = kInlineHead; i < kInlineSize; ++i) call->buffer[i] = 0;
   const int error = serveVpu(image, call, record, &selection, reply, &fault);
@@ -222,12 +230,8 @@ int simAnswerVpu(SimImage* image, SimCall* call) {
   for (uint32_t i = 0; i < SIM_MAX_KEYS; ++i) {
     selection.keys[i] = (uint32_t)simGet(call->buffer + 16 + 4 * i, 4);
   }
-  const SimRecord* record = replyOfSize(operation, size);
-  const int rightSize = record != 0;
-  // Of the wrong size: still a call of the interface.
-  if (!record) record = newestReply(operation);
-  if (startVpu(image, call, record, 0, &fault)) return call->error;
-  if (!rightSize) return simFail(call, SIM_EINVAL);
+  const SimRecord* const record = replyOfSize(operation, size);
+  if (startVpu(image, call, record, operation, 0, &fault)) return call->error;
   const int error = serveVpu(image, call, record, &selection, call->buffer, &fault);
   if (error) return simFail(call, error);
   const size_t given = fault.hasShort && fault.shortTo < size ? (size_t)fault.shortTo : (size_t)size;

@@ -27,7 +27,8 @@ int accessBegin(Access* access, const char* operation, const char* path, enum Ac
       break;
   }
   if (access->shell->image->faults.count && !isCanary(access)) {
-    simFileFaults(access->shell->image, access->logical, aim == ACCESS_OPEN, &access->fault);
+    simFileFaults(access->shell->image, access->logical, aim == ACCESS_OPEN ? SIM_AIM_OPEN : SIM_AIM_LOOK,
+                  &access->fault);
     if (access->fault.hangMs) shellSleepMs(access->fault.hangMs);
   }
   return 1;

@@ -28,19 +28,21 @@ static int writeMemory(SimCall* call, uint64_t address, const void* from, size_t
   return 0;
 }
 
-static const char* const kindNames[] = {"probe", "scan", "list", "record", "unknown"};
-
 static void traceCall(const Shell* shell, const SimCall* call) {
   char name[SIM_NODE_NAME];
   char subject[96];
-  char result[32];
+  char result[48];
   char spare[16];
   simNodeName(SIM_AT(shell->image, const SimNode, nodes) + call->node, name);
-  if (call->hasInterface) {
-    snprintf(subject, sizeof subject, "%s %s %u %u", name, kindNames[call->kind], call->interfaceName,
-             call->version);
+  const char* const kind = simKindName(call->kind);
+  const uint32_t what = call->hasInterface ? call->interfaceName : call->request;
+  if (call->kind == SIM_CALL_SMC) {
+    snprintf(subject, sizeof subject, call->hasInterface ? "%s %s %u 0x%02x" : "%s %s 0x%08x 0x%02x", name,
+             kind, what, call->command);
+  } else if (call->hasInterface) {
+    snprintf(subject, sizeof subject, "%s %s %u %u", name, kind, what, call->version);
   } else {
-    snprintf(subject, sizeof subject, "%s %s 0x%08x -", name, kindNames[call->kind], call->request);
+    snprintf(subject, sizeof subject, "%s %s 0x%08x -", name, kind, what);
   }
   if (call->error) {
     snprintf(result, sizeof result, "%s", errnoName(call->error, spare));
@@ -49,6 +51,7 @@ static void traceCall(const Shell* shell, const SimCall* call) {
   } else {
     snprintf(result, sizeof result, "ok");
   }
+  if (call->isUnexpected) strcat(result, " unexpected");
   shellTrace(shell, "ioctl", subject, result);
 }
 
@@ -69,20 +72,23 @@ SHELL_EXPORT int ioctl(int fd, unsigned long request, ...) {
   errno = saved;
   if (node < 0) return REAL(Ioctl, "ioctl")(fd, request, argument);
 
-  SimCall call;
-  call.readMemory = readMemory;
-  call.writeMemory = writeMemory;
-  call.othersOpen = nodesOthersOpen;
-  call.node = (uint32_t)node;
-  call.request = number;
-  call.argument = (uint64_t)(uintptr_t)argument;
+  NodeCall own;
+  SimCall* const call = &own.call;
+  own.fd = fd;
+  call->readMemory = readMemory;
+  call->writeMemory = writeMemory;
+  call->othersOpen = nodesOthersOpen;
+  call->buffers = &buffersOfNodes;
+  call->node = (uint32_t)node;
+  call->request = number;
+  call->argument = (uint64_t)(uintptr_t)argument;
   shellLock();
-  const int error = simIoctl(shell->image, &call);
-  if (call.nodesChanged) nodesArrange(shell);
-  if (call.dropsEvents) eventsDrop(shell, SIM_AT(shell->image, const SimNode, nodes)[node].gpu);
+  const int error = simIoctl(shell->image, call);
+  if (call->nodesChanged) nodesArrange(shell);
+  if (call->dropsEvents) eventsDrop(shell, SIM_AT(shell->image, const SimNode, nodes)[node].gpu);
   shellUnlock();
-  if (call.hangMs) shellSleepMs(call.hangMs);
-  if (shell->traceFd >= 0) traceCall(shell, &call);
+  if (call->hangMs) shellSleepMs(call->hangMs);
+  if (shell->traceFd >= 0) traceCall(shell, call);
   errno = error ? error : saved;
   return error ? -1 : 0;
 }

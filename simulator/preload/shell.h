@@ -89,6 +89,17 @@ void nodesArrange(const Shell* shell);
 // Whether this process has a node of another device open; as SimCall.othersOpen.
 int nodesOthersOpen(SimCall* call, uint32_t owner);
 
+// A call with what the shell has to know of it.
+typedef struct NodeCall {
+  SimCall call;  // the first member, so that one stands for the other
+  int fd;
+} NodeCall;
+
+// ---- shared memory
+
+// As SimCall.buffers, of a NodeCall.
+extern const SimBuffers buffersOfNodes;
+
 // ---- event queues
 
 // A new queue for the event_report at that path.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "board_data.h"
 #include "efuse.h"
 #include "value_reader.h"
 
@@ -46,6 +47,7 @@ void completeCells(const Device& device, SimNodeKind kind, const NodeNumbers& nu
     cells.try_emplace({static_cast<uint16_t>(value), 0}, Cell{.kind = SIM_CELL_BLOB, .blob = text});
   };
   const FamilyTraits& traits = traitsOf(device.family);
+  completeBoard(device.family, device.modelName, cells);
   addAlias(cells, SIM_CLOCK, traits.gpuClocks.front());
   addAlias(cells, SIM_TEMPERATURE, traits.sensors.front());
   keep(SIM_MISC_ID, numbers.misc);

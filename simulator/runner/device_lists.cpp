@@ -81,6 +81,8 @@ void setFans(const JsonCursor& device, CellMap& cells) {
   for (const JsonCursor& fan : rows->elements()) {
     readValue(fan.require("percent"), SIM_FAN_SPEED, SIM_KEY(row, 0, 0, 0), cells);
     readValue(fan.require("rpm"), SIM_FAN_SPEED, SIM_KEY(row, 1, 0, 0), cells);
+    if (const auto duty = fan.find("duty")) readValue(*duty, SIM_FAN_DUTY, row, cells);
+    if (const auto highest = fan.find("max_duty")) readValue(*highest, SIM_FAN_DUTY_MAX, row, cells);
     ++row;
   }
   setNumber(cells, SIM_FAN_COUNT, row);
@@ -178,7 +180,7 @@ void checkLists(const JsonCursor& device) {
   checkRows(device, "processes",
             {"pid", "kind", "gpu_memory", "system_memory", "container_pid", "utilization"});
   checkRows(device, "displays", {"type", "h_res", "v_res", "pixel_clock"});
-  checkRows(device, "fans", {"percent", "rpm"});
+  checkRows(device, "fans", {"percent", "rpm", "duty", "max_duty"});
   checkRows(device, "retired_pages", {"cause", "address", "time", "location", "errors"});
   checkRows(device, "pending_pages", {"cause", "address", "time", "location", "errors", "last_error"});
   checkVpuLists(device);

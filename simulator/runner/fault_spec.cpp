@@ -1,11 +1,13 @@
 #include "fault_spec.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
 #include "hints.h"
 #include "host_error.h"
 #include "json_cursor.h"
+#include "sim_model.h"
 
 namespace {
 
@@ -14,20 +16,23 @@ constexpr std::string_view kHelp = R"(A fault is TARGET[(SELECTION)][#WHEN]:EFFE
   TARGET     ioctl              an ioctl on a node of the host
              file               every access of a path: open, opendir, stat, access, readlink, ...
              open               opening a path alone
+             map                mapping memory that is shared with the driver, by the path of the node
   SELECTION  ioctl: KEY=VALUE, several with commas; without it, all ioctls
                node=GLOB        ovgpu.1, renderD128, ovgpu.*
                interface=N      calls of interface N, in any protocol; 100000 and up on a render node
                version=N        calls of that version of an interface
-               kind=K           probe, scan, list, record (a call of an interface), unknown
+               kind=K           probe, scan, list, record (a call of an interface), smc (a command to
+                                the firmware), memory (that is shared with the driver), unknown
                request=N        the request number
-             file, open: a glob of the path; * stays in a folder, ** does not, ? is one character
+             file, open, map: a glob of the path; * stays in a folder, ** does not, ? is one character
   WHEN       N                  the N-th access that fits, counted over the whole run
              N+                 the N-th and all after it
              N-M                the N-th to the M-th
              without it         all
   EFFECT     errno=NAME         the access fails: EIO, ENOENT, ENODEV, ...
              hang=MS            the answer comes after MS milliseconds
-             status=N           ioctl: the driver's status in the header, in protocol 1
+             status=N           ioctl: the driver's status in the header, in protocol 1; the status word
+                                of the firmware
              short=N            ioctl: only N bytes of the reply are written
              ones               ioctl: the reply has all bits set
              count=N            ioctl: the reply says N rows, whatever it holds
@@ -104,8 +109,10 @@ class Parser {
       spec.fault.target = SIM_FAULT_FILE;
     } else if (word == "open") {
       spec.fault.target = SIM_FAULT_OPEN;
+    } else if (word == "map") {
+      spec.fault.target = SIM_FAULT_MAP;
     } else {
-      failUnknown("target", word, {"ioctl", "file", "open"});
+      failUnknown("target", word, {"ioctl", "file", "open", "map"});
     }
   }
 
@@ -146,11 +153,12 @@ class Parser {
       fault.anyRequest = 0;
       fault.request = static_cast<uint32_t>(number(value, "request"));
     } else if (key == "kind") {
-      static const std::vector<std::string_view> kKinds{"probe", "scan", "list", "record", "unknown"};
-      for (size_t i = 0; i < kKinds.size(); ++i) {
-        if (kKinds[i] == value) fault.callKind = static_cast<uint8_t>(i);
-      }
-      if (fault.callKind == SIM_CALL_ANY) failUnknown("kind", value, kKinds);
+      std::vector<std::string_view> kinds;
+      while (const char* const kind = simKindName(static_cast<uint32_t>(kinds.size())))
+        kinds.emplace_back(kind);
+      const auto found = std::find(kinds.begin(), kinds.end(), value);
+      if (found == kinds.end()) failUnknown("kind", value, kinds);
+      fault.callKind = static_cast<uint8_t>(found - kinds.begin());
     } else {
       failUnknown("key", key, {"node", "interface", "version", "kind", "request"});
     }
@@ -185,9 +193,13 @@ class Parser {
     };
     const std::string name(takeUntil("="));
     const bool hasValue = take('=');
+    const bool isMap = spec.fault.target == SIM_FAULT_MAP;
     std::vector<std::string_view> known;
     for (const Effect& effect : kEffects) {
-      if (!(isIoctl() ? effect.forIoctl : effect.forFile)) continue;
+      const bool applies = isMap       ? effect.forIoctl && effect.forFile
+                           : isIoctl() ? effect.forIoctl
+                                       : effect.forFile;
+      if (!applies) continue;
       known.push_back(effect.name);
       if (effect.name != name) continue;
       if (effect.hasValue != hasValue) {
@@ -197,7 +209,10 @@ class Parser {
       if (hasValue) parseValue(name);
       return;
     }
-    failUnknown(isIoctl() ? "effect on an ioctl" : "effect on a file", name, known);
+    failUnknown(isIoctl() ? "effect on an ioctl"
+                : isMap   ? "effect on a mapping"
+                          : "effect on a file",
+                name, known);
   }
 
   void parseValue(const std::string& name) {

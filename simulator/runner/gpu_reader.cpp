@@ -74,6 +74,7 @@ void GpuReader::read(const JsonCursor& entry, const json& defaults, uint64_t cop
   checkAddress(entry, function);
   CellMap guests;
   readMediated(gpu, function, guests, host.unknownPids);
+  function.family = device.family;
   device.address = parseAddress(function.place.address)->packed();
   device.configSpace = makeConfigSpace(function);
   device.efuse = readEfuse(gpu, device.function);

@@ -126,7 +126,8 @@ struct PciFunction {
   std::string uuid;                      // of its own device
   std::string events;                    // messages that wait for who opens the event queue
   uint32_t mpcState = SIM_MPC_OFF;
-  size_t ownNode = 0;             // index of its own misc node
+  size_t ownNode = 0;  // index of its own misc node
+  Family family = Family::kTor1;
   std::vector<uint32_t> miscIds;  // those that are there now, its own one first
   std::vector<uint32_t> cardIds;
   std::vector<uint32_t> renderIds;
@@ -154,6 +155,8 @@ struct Host {
   uint16_t currentMajor = 1;
   uint16_t currentMinor = 1;
   SimProtocol renderProtocol = SIM_PROTOCOL_0;
+  uint32_t busyAttempts = 0;  // of a command to the firmware, before one that is answered
+  bool busyAgain = false;     // before every one, and not only before the first
   std::optional<int64_t> time;
   std::vector<ListedInterface> listed;
   std::vector<ListedInterface> renderListed;

@@ -95,6 +95,10 @@ std::string HostFolder::canary() const {
   return readFile(folder + kCanary);
 }
 
+std::string HostFolder::image() const {
+  return readFile(folder + "/image");
+}
+
 void HostFolder::prepare(const Host& host, const std::vector<FaultSpec>& faults) {
   if (!hasHost()) {
     if (!isPrivate && !fs::is_empty(folder)) {
@@ -110,6 +114,7 @@ void HostFolder::writeNew(const Host& host) {
   // Of this folder alone, and short enough for the launcher.
   writeFile(folder + kCanary,
             std::to_string(getpid()) + " " + folder.substr(folder.rfind('/')).substr(0, 40));
+  fs::create_directory(folder + "/buffers");
   writePackages(host);
 }
 

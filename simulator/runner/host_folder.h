@@ -1,6 +1,6 @@
 // The folder of one simulated host: "tree" with its files, "parked" with those of nodes that are not there
 // now, "events" with its event queues, "image" with its devices, "packages" with what the package tools
-// answer. A private one goes when the run is over.
+// answer, "buffers" with memory that programs share with the driver. A private one goes when the run is over.
 #ifndef HOST_FOLDER_H
 #define HOST_FOLDER_H
 
@@ -26,6 +26,9 @@ class HostFolder {
 
   /// Brings the host here, or goes on with the one that is kept. Throws HostError when that is another.
   void prepare(const Host& host, const std::vector<FaultSpec>& faults);
+
+  /// The image as it is now.
+  std::string image() const;
 
   /// A text that only a program on this host can read.
   std::string canary() const;

@@ -16,10 +16,10 @@ namespace {
 constexpr uint32_t kFirstRenderInterface = 100000;
 
 const std::vector<std::string_view> kHostKeys{
-    "description", "driver_loaded",   "driver_mode", "driver_version", "vpu",
-    "protocol",    "render_protocol", "interfaces",  "time",           "gpu_defaults",
-    "gpus",        "processes",       "packages",    "files",          "links",
-    "faults",      "sablink",         "adapters",    "bridges",        "xid_records"};
+    "description",     "driver_loaded", "driver_mode",  "driver_version", "vpu",     "protocol",
+    "render_protocol", "interfaces",    "time",         "gpu_defaults",   "gpus",    "processes",
+    "packages",        "files",         "links",        "faults",         "sablink", "adapters",
+    "bridges",         "xid_records",   "firmware_busy"};
 
 // The paths that the preload library sends to the host.
 constexpr std::string_view kHostPaths[] = {"/sys/", "/proc/", "/dev/", "/var/log/ovgpu/", "/etc/ovparams"};
@@ -58,6 +58,18 @@ void readProtocol(const JsonCursor& top, Host& host) {
   }
 }
 
+// How many attempts of each command find the firmware busy.
+void readFirmware(const JsonCursor& top, Host& host) {
+  const auto busy = top.find("firmware_busy");
+  if (!busy) return;
+  const bool isFull = busy->value().is_object();
+  if (isFull) busy->allowKeys({"attempts", "again"});
+  const JsonCursor attempts = isFull ? busy->require("attempts") : *busy;
+  host.busyAttempts = static_cast<uint32_t>(attempts.whole(0, 0xFFFFFFFF));
+  const auto again = isFull ? busy->find("again") : std::nullopt;
+  if (again) host.busyAgain = again->flag();
+}
+
 void addListed(Host& host, const ListedInterface& listed) {
   auto& list = listed.name >= kFirstRenderInterface ? host.renderListed : host.listed;
   list.push_back(listed);
@@ -66,11 +78,14 @@ void addListed(Host& host, const ListedInterface& listed) {
 // The highest version of everything that the model serves.
 std::vector<ListedInterface> servedInterfaces(const Host& host) {
   std::map<uint32_t, uint16_t> highest;
+  const auto addOne = [&](const SimRecord& record) {
+    if (record.interfaceName == 0) return;
+    uint16_t& version = highest[record.interfaceName];
+    version = std::max(version, record.version);
+    for (const uint16_t* name = record.further; name && *name; ++name) highest.try_emplace(*name, 0);
+  };
   const auto add = [&](const SimRecord* records, uint32_t count) {
-    for (uint32_t i = 0; i < count; ++i) {
-      uint16_t& version = highest[records[i].interfaceName];
-      version = std::max(version, records[i].version);
-    }
+    for (uint32_t i = 0; i < count; ++i) addOne(records[i]);
   };
   uint32_t count = 0;
   if (host.protocol == SIM_PROTOCOL_1) {
@@ -79,6 +94,7 @@ std::vector<ListedInterface> servedInterfaces(const Host& host) {
   } else {
     const SimRecord* const records = simRecords0(&count);
     add(records, count);
+    for (uint32_t i = 0; const SimRecord* const record = simSmcRecord(i); ++i) addOne(*record);
   }
   const SimRecord* const vpu = simVpuRecords(&count);
   add(vpu, count);
@@ -252,6 +268,7 @@ Host readHost(const HostDocument& document) {
   readDriver(top, host);
   readProtocol(top, host);
   readInterfaces(top, host);
+  readFirmware(top, host);
   if (const auto time = top.find("time")) host.time = time->moment();
   readGpus(top, host);
   readSablink(top, host);

@@ -152,7 +152,8 @@ std::vector<SimNode> makeNodes(const Host& host, const std::vector<NodeFile>& fi
 std::vector<SimGpu> makeGpus(const Host& host) {
   std::vector<SimGpu> gpus;
   for (const PciFunction& function : host.functions) {
-    gpus.push_back({static_cast<uint32_t>(function.ownNode), function.mpcState});
+    gpus.push_back(
+        {static_cast<uint32_t>(function.ownNode), function.mpcState, static_cast<uint32_t>(function.family)});
   }
   return gpus;
 }
@@ -186,6 +187,8 @@ std::string makeImage(const Host& host, const HostPaths& paths, const std::vecto
   head.currentMajor = host.currentMajor;
   head.currentMinor = host.currentMinor;
   head.renderProtocol = host.renderProtocol;
+  head.busyAttempts = host.busyAttempts;
+  head.busyAgain = host.busyAgain;
   head.loaded = host.loaded;
   head.fixedTime = host.time.has_value();
   head.time = host.time.value_or(0);
@@ -195,6 +198,7 @@ std::string makeImage(const Host& host, const HostPaths& paths, const std::vecto
   head.gpus = builder.addTable(makeGpus(host));
   head.faces = builder.addTable(faces);
   head.sessions = builder.addTable(std::vector<SimSession>(SIM_SESSION_COUNT));
+  head.unexpectedCalls = builder.addTable(std::vector<SimUnexpected>(SIM_UNEXPECTED_COUNT));
   head.cells = builder.addTable(cells.cells);
   head.steps = builder.addTable(cells.steps);
   head.listed = builder.addTable(listedOf(host.listed));
@@ -244,14 +248,18 @@ bool carryState(const std::string& from, std::string& to) {
                       old.hostHash == head.hostHash && fits<SimNode>(old.nodes, head.nodes, from.size()) &&
                       fits<SimGpu>(old.gpus, head.gpus, from.size()) &&
                       fits<SimSession>(old.sessions, head.sessions, from.size()) &&
+                      fits<SimUnexpected>(old.unexpectedCalls, head.unexpectedCalls, from.size()) &&
                       fits<SimCell>(old.cells, head.cells, from.size());
   if (!isSame) return false;
   carryNodes(from, to, head.nodes);
   carryTable<SimGpu>(from, to, head.gpus);
   carryTable<SimSession>(from, to, head.sessions);
+  carryTable<SimUnexpected>(from, to, head.unexpectedCalls);
   carryTable<SimCell>(from, to, head.cells);
   head.calls = old.calls;
+  head.unexpected = old.unexpected;
   head.lastSession = old.lastSession;
+  head.lastBuffer = old.lastBuffer;
   std::memcpy(to.data(), &head, sizeof head);
   return true;
 }

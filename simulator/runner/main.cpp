@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 
 #include "command_runner.h"
@@ -12,6 +13,7 @@
 #include "host_reader.h"
 #include "installation.h"
 #include "options.h"
+#include "unexpected_calls.h"
 
 namespace {
 
@@ -51,7 +53,13 @@ int run(const Options& options) {
   folder.prepare(host, faults);
   const std::string trace =
       options.traceFile ? std::filesystem::absolute(*options.traceFile).string() : std::string();
-  return runCommand(parts, folder, trace, options.command);
+  if (!options.unexpectedFile) return runCommand(parts, folder, trace, options.command);
+  // Opened before the command runs: one that cannot be told of is not run.
+  std::ofstream unexpected(*options.unexpectedFile, std::ios::binary | std::ios::trunc);
+  if (!unexpected) throw HostError("cannot write " + *options.unexpectedFile);
+  const int status = runCommand(parts, folder, trace, options.command);
+  unexpected << unexpectedCalls(folder.image());
+  return status;
 }
 
 }  // namespace

@@ -7,7 +7,8 @@ namespace {
 
 constexpr std::string_view kHelp = R"(Runs a command as though on a machine with Orvane GPUs.
 
-  ovgpu-sim [--host NAME|FILE] [--state DIR] [--fault SPEC]... [--trace FILE] -- COMMAND [ARGUMENT]...
+  ovgpu-sim [--host NAME|FILE] [--state DIR] [--fault SPEC]... [--trace FILE]
+            [--unexpected FILE] -- COMMAND [ARGUMENT]...
   ovgpu-sim --list-hosts
   ovgpu-sim --help
 
@@ -17,6 +18,8 @@ constexpr std::string_view kHelp = R"(Runs a command as though on a machine with
                      without it every run has a fresh host
   --fault SPEC       makes trouble on purpose; can be given several times
   --trace FILE       appends a line for every access of the host's files and every ioctl
+  --unexpected FILE  writes what the driver was asked for and did not offer: a line for each such call,
+                     nothing when there was none
   --list-hosts       the hosts that can be named
 
 The exit status is that of the command, 128 + n when signal n ended it, 2 when ovgpu-sim itself fails,
@@ -33,8 +36,14 @@ std::string_view optionsHelp() {
 
 Options parseOptions(const std::vector<std::string>& arguments) {
   Options options;
-  static const std::vector<std::string_view> kKnown{"--host",  "--state",      "--fault",
-                                                    "--trace", "--list-hosts", "--help"};
+  static const std::vector<std::string_view> kKnown{"--host",       "--state",      "--fault", "--trace",
+                                                    "--unexpected", "--list-hosts", "--help"};
+  const auto placeOf = [&](std::string_view name) -> std::optional<std::string>* {
+    if (name == "--host") return &options.host;
+    if (name == "--state") return &options.stateFolder;
+    if (name == "--trace") return &options.traceFile;
+    return name == "--unexpected" ? &options.unexpectedFile : nullptr;
+  };
   size_t i = 0;
   for (; i < arguments.size() && arguments[i] != "--"; ++i) {
     std::string name = arguments[i];
@@ -47,7 +56,8 @@ Options parseOptions(const std::vector<std::string>& arguments) {
       (name == "--list-hosts" ? options.listHosts : options.help) = true;
       continue;
     }
-    if (name != "--host" && name != "--state" && name != "--fault" && name != "--trace") {
+    std::optional<std::string>* const place = placeOf(name);
+    if (!place && name != "--fault") {
       if (!name.starts_with('-'))
         throw HostError("the command must stand behind \"--\"; found \"" + name + "\"");
       throw HostError("unknown option \"" + name + "\"" + hintFor(name, kKnown));
@@ -56,15 +66,12 @@ Options parseOptions(const std::vector<std::string>& arguments) {
       if (i + 1 >= arguments.size() || arguments[i + 1] == "--") throw HostError(name + " needs a value");
       value = arguments[++i];
     }
-    if (name == "--fault") {
+    if (!place) {
       options.faults.push_back(*value);
       continue;
     }
-    auto& place = name == "--host"    ? options.host
-                  : name == "--state" ? options.stateFolder
-                                      : options.traceFile;
-    if (place) throw HostError(name + " is given twice");
-    place = *value;
+    if (*place) throw HostError(name + " is given twice");
+    *place = *value;
   }
   if (i < arguments.size())
     options.command.assign(arguments.begin() + static_cast<long>(i) + 1, arguments.end());

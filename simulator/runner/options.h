@@ -11,6 +11,7 @@ struct Options {
   std::optional<std::string> host;
   std::optional<std::string> stateFolder;
   std::optional<std::string> traceFile;
+  std::optional<std::string> unexpectedFile;
   std::vector<std::string> faults;
   bool listHosts = false;
   bool help = false;

@@ -5,10 +5,14 @@
 //   sim_calls_probe many NODE COUNT THREADS                        prints how many calls failed
 //   sim_calls_probe reset-beside NODE OTHER                       status with the other one open, and without
 //   sim_calls_probe events GPU DESCRIPTORS COMMAND                 what each descriptor reads around the
-//   command sim_calls_probe time | exit STATUS | kill SIGNAL | open PATH | cat PATH | fork NODE
+//   sim_calls_probe board NODE                                     the shared buffer: result of each step,
+//   data sim_calls_probe buffers NODE                                   buffers of descriptors that are
+//   copies, or not command sim_calls_probe time | exit STATUS | kill SIGNAL | open PATH | cat PATH | fork
+//   NODE
 #include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -102,6 +106,70 @@ int resetBeside(const std::string& node, const std::string& other) {
   return 0;
 }
 
+// Memory that is shared with the driver, as it stands in the record.
+struct Buffer {
+  uint32_t size = 616;
+  uint32_t mapSize = 0;
+  uint64_t handle = 0;
+};
+
+const char* resultOf(bool done) {
+  return done ? "ok" : std::strerror(errno);
+}
+
+const char* allocate(int fd, Buffer& buffer) {
+  return resultOf(ioctl(fd, 0xC0104D03, &buffer) == 0);
+}
+
+const char* giveBack(int fd, Buffer& buffer) {
+  return resultOf(ioctl(fd, 0xC0104D04, &buffer) == 0);
+}
+
+const char* askForBoard(int fd, const Buffer& buffer) {
+  uint64_t record[33] = {uint64_t{0x7D} << 5 | uint64_t{2} << 24 | uint64_t{2} << 29 | uint64_t{4} << 45,
+                         buffer.handle & 0xFFFFFFFF};
+  if (ioctl(fd, 0xC1084D01, record) != 0) return std::strerror(errno);
+  return static_cast<uint32_t>(record[1]) == 0 ? "ok" : "bad";
+}
+
+int board(const std::string& node) {
+  const int fd = openNode(node);
+  Buffer buffer;
+  std::printf("alloc %s\n", allocate(fd, buffer));
+  void* const early = mmap(nullptr, buffer.mapSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 4096);
+  std::printf("map elsewhere %s\n", resultOf(early != MAP_FAILED));
+  void* const memory = mmap(nullptr, buffer.mapSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+  std::printf("map %s\n", resultOf(memory != MAP_FAILED));
+  std::printf("command %s\n", askForBoard(fd, buffer));
+  if (memory != MAP_FAILED) {
+    const auto* const bytes = static_cast<const unsigned char*>(memory);
+    std::printf("version %u memory %u name %s\n", bytes[0], bytes[4], bytes + 152);
+    std::printf("unmap %s\n", resultOf(munmap(memory, buffer.mapSize) == 0));
+  }
+  std::printf("free %s\n", giveBack(fd, buffer));
+  void* const late = mmap(nullptr, 4096, PROT_READ, MAP_SHARED, fd, 0);
+  std::printf("map again %s\n", resultOf(late != MAP_FAILED));
+  return 0;
+}
+
+int buffers(const std::string& node) {
+  const int fd = openNode(node);
+  const int copy = dup(fd);
+  const int other = openNode(node);
+  Buffer one;
+  Buffer two;
+  Buffer three;
+  std::printf("%s, ", allocate(fd, one));
+  std::printf("copy %s, ", allocate(copy, two));
+  std::printf("other %s, ", allocate(other, two));
+  std::printf("crossed %s, ", giveBack(other, one));
+  std::printf("by the copy %s, ", giveBack(copy, one));
+  close(other);
+  const int next = openNode(node);
+  std::printf("reopened %s\n", allocate(next, three));
+  return 0;
+}
+
 uint64_t numberAt(const char* bytes, size_t width) {
   uint64_t number = 0;
   std::memcpy(&number, bytes, width);
@@ -164,6 +232,8 @@ int main(int count, char** arguments) {
     return call(openNode(words.at(1)), 49, 1, payload).status != 0;
   }
   if (what == "reset-beside") return resetBeside(words.at(1), words.at(2));
+  if (what == "board") return board(words.at(1));
+  if (what == "buffers") return buffers(words.at(1));
   if (what == "events") return events(words.at(1), number(2), words.at(3));
   if (what == "many") return many(words.at(1), number(2), number(3));
   if (what == "fork") return forked(words.at(1));

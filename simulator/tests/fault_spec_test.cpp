@@ -31,6 +31,20 @@ TEST(SimFaultSpec, FullForm) {
   EXPECT_EQ(spec.pattern, "ovgpu.*");
 }
 
+TEST(SimFaultSpec, MappingHasTheEffectsThatItCanHave) {
+  const FaultSpec spec = parseFault("map(/dev/ovgpu.0)#2+:errno=ENOMEM");
+  EXPECT_EQ(spec.fault.target, SIM_FAULT_MAP);
+  EXPECT_EQ(spec.pattern, "/dev/ovgpu.0");
+  EXPECT_NE(errorOf("map(/dev/ovgpu.0):cut=3").find("effect on a mapping"), std::string::npos);
+  EXPECT_NE(errorOf("map(/dev/ovgpu.0):status=3").find("effect on a mapping"), std::string::npos);
+}
+
+TEST(SimFaultSpec, CommandsToTheFirmwareAreAKindOfCall) {
+  EXPECT_EQ(parseFault("ioctl(kind=smc):errno=EAGAIN").fault.callKind, SIM_CALL_SMC);
+  EXPECT_EQ(parseFault("ioctl(kind=unknown):errno=EIO").fault.callKind, SIM_CALL_UNKNOWN);
+  EXPECT_NE(errorOf("ioctl(kind=smcs):errno=EIO").find("\"smc\"?"), std::string::npos);
+}
+
 TEST(SimFaultSpec, TextUnderstandsEscapes) {
   EXPECT_EQ(parseFault(R"(open(/etc/ovparams):text=a:b=c\n\x41\\\0z)").text,
             std::string("a:b=c\nA\\\0z", 10));
@@ -54,7 +68,8 @@ TEST(SimFaultSpec, MistakesAreNamed) {
     const char* message;
   } mistakes[] = {
       {"iocl#1:errno=EIO",
-       "fault \"iocl#1:errno=EIO\": unknown target \"iocl\"; did you mean \"ioctl\"? (ioctl, file, open)"},
+       "fault \"iocl#1:errno=EIO\": unknown target \"iocl\"; did you mean \"ioctl\"? (ioctl, file, open, "
+       "map)"},
       {"ioctl#0:errno=EIO", "fault \"ioctl#0:errno=EIO\": accesses are counted from 1"},
       {"ioctl#x:errno=EIO", "fault \"ioctl#x:errno=EIO\": what follows \"#\" is a number; found \"x\""},
       {"ioctl#5-3:gone", "fault \"ioctl#5-3:gone\": the range ends before it begins"},
@@ -73,7 +88,7 @@ TEST(SimFaultSpec, MistakesAreNamed) {
        "\"interface\"? (node, interface, version, kind, request)"},
       {"ioctl(kind=scam):ones",
        "fault \"ioctl(kind=scam):ones\": unknown kind \"scam\"; did you mean \"scan\"? "
-       "(probe, scan, list, record, unknown)"},
+       "(probe, scan, list, record, smc, memory, unknown)"},
       {"ioctl(interface=3:ones", "fault \"ioctl(interface=3:ones\": the selection has no \")\""},
       {"file(sys/x):cut=1", "fault \"file(sys/x):cut=1\": a path begins with \"/\"; found \"sys/x\""},
       {"file:text=a\\q", "fault \"file:text=a\\q\": after \"\\\" only n, 0, \\ and xHH are understood"},

@@ -106,6 +106,15 @@ TEST(SimDescription, MistakesNameFileKeyAndExpectation) {
   for (const auto& row : mistakes) EXPECT_EQ(errorOf(row.json), row.message);
 }
 
+TEST(SimDescription, FirmwareIsBusyForSoManyAttempts) {
+  EXPECT_EQ(hostFromText(R"({"firmware_busy": 3})").busyAttempts, 3u);
+  EXPECT_FALSE(hostFromText(R"({"firmware_busy": 3})").busyAgain);
+  const Host again = hostFromText(R"({"firmware_busy": {"attempts": 4, "again": true}})");
+  EXPECT_EQ(again.busyAttempts, 4u);
+  EXPECT_TRUE(again.busyAgain);
+  EXPECT_NE(errorOf(R"({"firmware_busy": {"times": 4}})"), "");
+}
+
 TEST(SimDescription, UnknownModelListsTheKnownOnes) {
   const std::string message = errorOf(R"({"gpus": [{"model": "B999"}]})");
   EXPECT_TRUE(message.starts_with("test.json: gpus[0].model: expected one of OVT A11, OVT A13,")) << message;

@@ -123,7 +123,7 @@ TEST(SimFaults, FilesAndOpens) {
   SimFileFault fault;
   const auto access = [&](const char* path, bool opens) {
     fault = {0, 0, -1, nullptr, 0};
-    simFileFaults(driver.image(), path, opens, &fault);
+    simFileFaults(driver.image(), path, opens ? SIM_AIM_OPEN : SIM_AIM_LOOK, &fault);
   };
   access("/sys/bus/a/numa_node", false);
   EXPECT_EQ(fault.error, 0);

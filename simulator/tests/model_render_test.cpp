@@ -182,6 +182,52 @@ TEST(SimRender, InlineFormHasTheReplyBehindTheArguments) {
   EXPECT_EQ(record.get(72, 8), 0u) << "zeros behind the reply";
 }
 
+TEST(SimRender, FirstTwoVersionsAreInline) {
+  for (const char* const version : {"0", "1"}) {
+    std::string interfaces;
+    for (const char* const name : {"100000", "100001", "100002", "100003", "100004"}) {
+      interfaces += (interfaces.empty() ? "\"" : ", \"") + std::string(name) + "\": " + version;
+    }
+    TestDriver driver(R"({"interfaces": {)" + interfaces + R"(}, "gpus": [{"model": "B210",
+        "vpu_sessions": [{"core": 1, "instance": 2, "pid": 71, "codec": "VP8", "fps": 25}],
+        "values": {"vpu_utilization": [10, 20], "vpu_clock": [1000, 2000]}}]})");
+    Record list = Record(328).put(4, 4, 20);
+    ASSERT_EQ(driver.ioctl("renderD128", kList, list), 0);
+    EXPECT_EQ(list.get(8, 4), 100000u);
+    EXPECT_EQ(list.get(12, 4), version[0] == '1');
+    const auto ask = [&](uint64_t operation, uint64_t core, uint64_t instance) {
+      Record record = Record(160, 0xAA).put(0, 2, operation).put(2, 2, core).put(4, 4, instance);
+      EXPECT_EQ(driver.ioctl("renderD128", kInline, record), 0) << operation;
+      return record;
+    };
+    EXPECT_EQ(ask(0, 0, 0).get(8 + 4, 4), 20u);
+    EXPECT_EQ(ask(0, 0, 0).get(8 + 8, 4), 0xFFFFFFFFu) << "an absent core";
+    const Record metrics = ask(1, 1, 2);
+    EXPECT_EQ(metrics.get(8, 4), 1u);
+    EXPECT_EQ(metrics.get(8 + 4, 4), 71u);
+    EXPECT_EQ(metrics.get(8 + 20, 4), 25u);
+    EXPECT_EQ(metrics.get(8 + 36, 4), 0u) << "zeros behind the reply";
+    const Record states = ask(2, 1, 0);
+    EXPECT_EQ(states.get(8, 4), 1u);
+    EXPECT_EQ(states.get(8 + 4, 4), 8u);
+    EXPECT_EQ(states.get(8 + 8 + 4 * 2, 4), 1u);
+    EXPECT_EQ(ask(3, 0, 0).get(8 + 8, 4), 2000u);
+    EXPECT_EQ(driver.unexpected(), 0u);
+    Record specification = Record(160).put(0, 2, 4);
+    if (version[0] == '0') {
+      EXPECT_EQ(driver.ioctl("renderD128", kInline, specification), EINVAL) << "the family tells the cores";
+    } else {
+      ASSERT_EQ(driver.ioctl("renderD128", kInline, specification), 0);
+      EXPECT_EQ(specification.get(8, 4), 2u);
+      EXPECT_EQ(specification.get(12, 1), 1u);
+      EXPECT_EQ(specification.get(12 + 8, 1), 0u);
+      EXPECT_EQ(specification.get(12 + 8 + 2, 2), 8u);
+    }
+    Record pointed = Record(40).put(4, 4, 64);
+    EXPECT_EQ(driver.ioctl("renderD128", kPointed, pointed), EINVAL);
+  }
+}
+
 TEST(SimRender, WrongSizeOrOperationIsInvalid) {
   TestDriver driver(kFen1);
   Record reply(100);

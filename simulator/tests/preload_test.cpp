@@ -122,6 +122,48 @@ TEST_F(SimPreload, ResetIsRefusedWhileAnotherDeviceIsOpen) {
       << "a node of the device itself";
 }
 
+TEST_F(SimPreload, MemoryIsSharedWithTheDriver) {
+  const std::string trace = scratch / "trace";
+  const std::string unexpected = scratch / "unexpected";
+  const Outcome outcome =
+      onHost("legacy", {"--trace", trace, "--unexpected", unexpected}, {calls, "board", "ovgpu.0"});
+  EXPECT_EQ(outcome.out,
+            "alloc ok\nmap elsewhere Invalid argument\nmap ok\ncommand ok\n"
+            "version 1 memory 5 name OVT B230 board\nunmap ok\nfree ok\nmap again Invalid argument\n")
+      << outcome.error;
+  EXPECT_EQ(linesOf(readText(trace)),
+            (std::vector<std::string>{"open /dev/ovgpu.0 ok", "ioctl ovgpu.0 memory 0xc0104d03 - ok",
+                                      "mmap /dev/ovgpu.0 EINVAL", "mmap /dev/ovgpu.0 ok",
+                                      "ioctl ovgpu.0 smc 57 0x7d ok", "munmap /dev/ovgpu.0 ok",
+                                      "ioctl ovgpu.0 memory 0xc0104d04 - ok", "mmap /dev/ovgpu.0 EINVAL"}));
+  EXPECT_EQ(readText(unexpected), "");
+}
+
+TEST_F(SimPreload, BufferBelongsToTheDescriptorAndItsCopies) {
+  EXPECT_EQ(
+      onHost("legacy", {}, {calls, "buffers", "ovgpu.0"}).out,
+      "ok, copy Device or resource busy, other ok, crossed Invalid argument, by the copy ok, reopened ok\n");
+}
+
+TEST_F(SimPreload, MappingCanFail) {
+  const Outcome outcome =
+      onHost("legacy", {"--fault", "map(/dev/ovgpu.*)#2:errno=ENOMEM"}, {calls, "board", "ovgpu.0"});
+  EXPECT_EQ(outcome.out,
+            "alloc ok\nmap elsewhere Invalid argument\nmap Cannot allocate memory\ncommand ok\nfree ok\n"
+            "map again Invalid argument\n")
+      << outcome.error;
+}
+
+TEST_F(SimPreload, CallsThatWereNotOfferedAreTold) {
+  const std::string trace = scratch / "trace";
+  const std::string unexpected = scratch / "unexpected";
+  const Outcome outcome = onHost("future-interface", {"--trace", trace, "--unexpected", unexpected},
+                                 {calls, "status", "ovgpu.0", "8", "2", "60"});
+  EXPECT_TRUE(outcome.out.starts_with("ok 4")) << outcome.out << outcome.error;
+  EXPECT_EQ(readText(unexpected), "1 ovgpu.0 record 8 2\n");
+  EXPECT_EQ(linesOf(readText(trace)).back(), "ioctl ovgpu.0 record 8 2 status=4 unexpected");
+}
+
 TEST_F(SimPreload, EventsReachEveryQueueOnce) {
   const Outcome outcome = onHost("bare", {},
                                  {"sh", "-c",

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "host_document.h"
 #include "host_reader.h"
@@ -42,6 +43,54 @@ TEST(SimShippedHosts, SizesAndKinds) {
   EXPECT_EQ(shipped("guest").driverMode, "1");
   EXPECT_EQ(shipped("guest").functions.at(0).subsystemDeviceId, 0x1e25);
   EXPECT_FALSE(shipped("broken").faults.empty());
+}
+
+// What an interface is listed as; nothing when it is not.
+std::optional<std::pair<int, int>> listedAs(const Host& host, uint32_t name) {
+  for (const auto* const list : {&host.listed, &host.renderListed}) {
+    for (const ListedInterface& one : *list) {
+      if (one.name == name) return std::pair<int, int>(one.minVersion, one.maxVersion);
+    }
+  }
+  return std::nullopt;
+}
+
+TEST(SimShippedHosts, OlderDriversOfEachFamily) {
+  const struct {
+    const char* name;
+    Family family;
+    int status;
+    int processes;
+    int states;
+  } hosts[] = {{"legacy", Family::kFen1, 1, 2, 3},
+               {"legacy-wold", Family::kWold, 0, 0, 0},
+               {"legacy-fen1", Family::kFen1, 1, 1, 1},
+               {"legacy-fen2", Family::kFen2, 1, 2, 2},
+               {"legacy-tor1", Family::kTor1, 1, 2, 3}};
+  for (const auto& one : hosts) {
+    const Host host = shipped(one.name);
+    EXPECT_EQ(host.protocol, SIM_PROTOCOL_0) << one.name;
+    EXPECT_EQ(host.functions.at(0).family, one.family) << one.name;
+    EXPECT_EQ(listedAs(host, 2), std::pair(one.status, one.status)) << one.name;
+    EXPECT_EQ(listedAs(host, 4), std::pair(one.processes, one.processes)) << one.name;
+    EXPECT_EQ(listedAs(host, 100002), std::pair(one.states, one.states)) << one.name;
+    for (const uint32_t name : {51, 52, 53, 54, 55, 56, 57, 60, 61, 62, 63, 64, 65, 66}) {
+      EXPECT_EQ(listedAs(host, name), std::pair(0, 0)) << one.name << " " << name;
+    }
+    EXPECT_FALSE(listedAs(host, 0)) << one.name;
+    EXPECT_FALSE(listedAs(host, 67)) << one.name;
+  }
+}
+
+TEST(SimShippedHosts, DriversThatLackSomething) {
+  EXPECT_EQ(shipped("future-interface").protocol, SIM_PROTOCOL_1);
+  EXPECT_EQ(listedAs(shipped("future-interface"), 8), std::pair(3, 5));
+  EXPECT_EQ(listedAs(shipped("future-interface"), 2), std::pair(3, 3));
+  EXPECT_TRUE(listedAs(shipped("partial"), 56));
+  EXPECT_FALSE(listedAs(shipped("partial"), 57));
+  EXPECT_EQ(shipped("busy-firmware").busyAttempts, 9u);
+  EXPECT_FALSE(shipped("busy-firmware").busyAgain);
+  EXPECT_EQ(shipped("legacy").busyAttempts, 0u);
 }
 
 TEST(SimShippedHosts, ServerHasATopologyToBeShown) {

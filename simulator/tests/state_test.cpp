@@ -41,6 +41,17 @@ TEST_F(SimState, IsKeptBetweenCommandsInAFolder) {
   EXPECT_EQ(pendingEcc({"--state", folder}), "ok 0 00 00 00 00 01");
 }
 
+TEST_F(SimState, CallsThatWereNotOfferedAreKeptToo) {
+  const std::string folder = scratch / "kept";
+  const std::string file = scratch / "unexpected";
+  const std::vector<std::string> run{"--state", folder,    "--unexpected", file, "--", calls,
+                                     "status",  "ovgpu.1", "998",          "1",  "20"};
+  runSimulator(run);
+  EXPECT_EQ(readText(file), "1 ovgpu.1 record 998 1\n");
+  runSimulator(run);
+  EXPECT_EQ(readText(file), "2 ovgpu.1 record 998 1\n");
+}
+
 TEST_F(SimState, CommandsThatRunAtTheSameTimeShareIt) {
   const std::string folder = scratch / "kept";
   // What a running command has mapped must be what the next one uses.

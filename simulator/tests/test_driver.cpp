@@ -69,6 +69,20 @@ int TestDriver::othersOpen(SimCall* call, uint32_t) {
   return static_cast<OwnCall*>(call)->driver->othersAreOpen;
 }
 
+const SimBuffers TestDriver::kBuffers{
+    [](SimCall* call) { return of(call).held[of(call).descriptor]; },
+    [](SimCall* call, uint64_t number) { of(call).held[of(call).descriptor] = number; },
+    [](SimCall* call, uint32_t id, size_t size) {
+      of(call).buffers[id].assign(size, 0);
+      return 0;
+    },
+    [](SimCall* call, uint32_t id, const void* from, size_t size) {
+      std::memcpy(of(call).buffers.at(id).data(), from, size);
+      return 0;
+    },
+    [](SimCall* call, uint32_t id) { of(call).buffers.erase(id); },
+};
+
 int TestDriver::ioctl(const std::string& name, uint32_t request, Record& record) {
   size_t index = 0;
   while (index < names.size() && names[index] != name) ++index;
@@ -77,6 +91,7 @@ int TestDriver::ioctl(const std::string& name, uint32_t request, Record& record)
   lastCall.writeMemory = writeMemory;
   lastCall.othersOpen = othersOpen;
   lastCall.driver = this;
+  lastCall.buffers = &kBuffers;
   lastCall.node = static_cast<uint32_t>(index);
   lastCall.request = request;
   lastCall.argument = reinterpret_cast<uint64_t>(record.bytes.data());

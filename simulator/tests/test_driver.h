@@ -3,6 +3,7 @@
 #define TEST_DRIVER_H
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,13 @@ class TestDriver {
   /// What the shell would tell of nodes of other devices.
   bool othersAreOpen = false;
 
+  /// The descriptor that calls come through, and the buffers that are shared with the driver.
+  int descriptor = 0;
+  std::map<uint32_t, std::vector<uint8_t>> buffers;
+
+  /// How many calls the driver did not offer.
+  uint64_t unexpected() { return image()->unexpected; }
+
   const SimCall& last() const { return lastCall; }
   SimImage* image() { return reinterpret_cast<SimImage*>(bytes.data()); }
 
@@ -52,6 +60,10 @@ class TestDriver {
     TestDriver* driver;
   };
   static int othersOpen(SimCall* call, uint32_t owner);
+  static TestDriver& of(SimCall* call) { return *static_cast<OwnCall*>(call)->driver; }
+  static const SimBuffers kBuffers;
+
+  std::map<int, uint64_t> held;
 
   OwnCall lastCall{};
 };
