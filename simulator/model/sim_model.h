@@ -121,7 +121,7 @@ enum SimAim { SIM_AIM_LOOK, SIM_AIM_OPEN, SIM_AIM_MAP };
 // Counts the access against every fault that matches it.
 void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFault* fault);
 
-// Globs of fault specifications: * and ? stay within a folder, ** does not.
+// Globs of faults: * and ? stay within a folder, ** does not.
 int simGlobMatches(const char* pattern, const char* text);
 
 #ifdef __cplusplus

@@ -8,7 +8,7 @@ enum {
   kInlineHead = 8,
   kPointedSize = 40,
   kFirstPointedVersion = 2,
-  kSpecification = 4,  // operation
+  kCores = 4,  // operation
 };
 
 // The places of the selection.
@@ -183,10 +183,10 @@ static int serveVpu(SimImage* image, SimCall* call, const SimRecord* record, con
   return 0;
 }
 
-// Whether the listed version asks so. The first version of the specification sends nothing at all.
+// Whether the listed version asks so. Nothing is sent for the cores in their first version.
 static int isFormOf(uint16_t version, const SimRecord* record, int isInline) {
   if (!isInline) return version == record->version;
-  return version < kFirstPointedVersion && (version || record->request != kSpecification);
+  return version < kFirstPointedVersion && (version || record->request != kCores);
 }
 
 // Names the call for faults and trace; true when it ends here. A record of the wrong size is null.

@@ -50,7 +50,7 @@ constexpr std::string_view kHelp = R"(A fault is TARGET[(SELECTION)][#WHEN]:EFFE
 
 class Parser {
  public:
-  explicit Parser(const std::string& specification) : whole(specification), rest(specification) {}
+  explicit Parser(const std::string& written) : whole(written), rest(written) {}
 
   FaultSpec parse() {
     SimFault& fault = spec.fault;
@@ -258,8 +258,8 @@ class Parser {
 
 }  // namespace
 
-FaultSpec parseFault(const std::string& specification) {
-  return Parser(specification).parse();
+FaultSpec parseFault(const std::string& written) {
+  return Parser(written).parse();
 }
 
 std::optional<int> errnoFromName(std::string_view name) {

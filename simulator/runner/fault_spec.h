@@ -1,4 +1,4 @@
-// Fault specifications: what the user writes, as the model's table takes it.
+// Faults: what the user writes, as the model's table takes it.
 //
 //   TARGET [ "(" SELECTION ")" ] [ "#" WHEN ] ":" EFFECT
 #ifndef FAULT_SPEC_H
@@ -16,8 +16,8 @@ struct FaultSpec {
   std::string text;     // of SIM_EFFECT_TEXT
 };
 
-/// Throws HostError that names the specification and what is wrong with it.
-FaultSpec parseFault(const std::string& specification);
+/// Throws HostError that names the fault and what is wrong with it.
+FaultSpec parseFault(const std::string& written);
 
 /// Number of an errno by its name, such as "EIO"; nothing for an unknown one.
 std::optional<int> errnoFromName(std::string_view name);

@@ -33,8 +33,8 @@ int listHosts(const HostLibrary& library) {
 
 std::vector<FaultSpec> parseFaults(const Host& host, const std::vector<std::string>& given) {
   std::vector<FaultSpec> faults;
-  for (const std::string& specification : host.faults) faults.push_back(parseFault(specification));
-  for (const std::string& specification : given) faults.push_back(parseFault(specification));
+  for (const std::string& written : host.faults) faults.push_back(parseFault(written));
+  for (const std::string& written : given) faults.push_back(parseFault(written));
   return faults;
 }
 

@@ -8,9 +8,9 @@
 
 namespace {
 
-std::string errorOf(const std::string& specification) {
+std::string errorOf(const std::string& written) {
   try {
-    parseFault(specification);
+    parseFault(written);
   } catch (const HostError& error) {
     return error.what();
   }
@@ -64,7 +64,7 @@ TEST(SimFaultSpec, ErrnoNames) {
 
 TEST(SimFaultSpec, MistakesAreNamed) {
   const struct {
-    const char* specification;
+    const char* written;
     const char* message;
   } mistakes[] = {
       {"iocl#1:errno=EIO",
@@ -93,7 +93,7 @@ TEST(SimFaultSpec, MistakesAreNamed) {
       {"file(sys/x):cut=1", "fault \"file(sys/x):cut=1\": a path begins with \"/\"; found \"sys/x\""},
       {"file:text=a\\q", "fault \"file:text=a\\q\": after \"\\\" only n, 0, \\ and xHH are understood"},
   };
-  for (const auto& row : mistakes) EXPECT_EQ(errorOf(row.specification), row.message);
+  for (const auto& row : mistakes) EXPECT_EQ(errorOf(row.written), row.message);
 }
 
 }  // namespace

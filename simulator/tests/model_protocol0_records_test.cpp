@@ -84,10 +84,10 @@ TEST(SimProtocol0Records, PeerStatus) {
 
 TEST(SimProtocol0Records, SablinkReadings) {
   TestDriver driver(kLinked);
-  const Record specification = ask(driver, "ovgpu.0", 0x800C4DC0, Record(12));
-  EXPECT_EQ(specification.get(0, 4), 2u);
-  EXPECT_EQ(specification.get(4, 4), 25000u);
-  EXPECT_EQ(specification.get(8, 4), 200u);
+  const Record sablink = ask(driver, "ovgpu.0", 0x800C4DC0, Record(12));
+  EXPECT_EQ(sablink.get(0, 4), 2u);
+  EXPECT_EQ(sablink.get(4, 4), 25000u);
+  EXPECT_EQ(sablink.get(8, 4), 200u);
   EXPECT_EQ(ask(driver, "ovgpu.0", 0x800C4DC1, Record(12).put(0, 4, 1)).get(8, 4), 1u);
   EXPECT_EQ(ask(driver, "ovgpu.0", 0x80084DC2, Record(8).put(0, 4, 1)).get(4, 4), 1u);
   EXPECT_EQ(ask(driver, "ovgpu.0", 0x80104DC3, Record(16).put(0, 4, 1).put(4, 4, 5)).get(8, 8), 15u);

@@ -213,15 +213,15 @@ TEST(SimRender, FirstTwoVersionsAreInline) {
     EXPECT_EQ(states.get(8 + 8 + 4 * 2, 4), 1u);
     EXPECT_EQ(ask(3, 0, 0).get(8 + 8, 4), 2000u);
     EXPECT_EQ(driver.unexpected(), 0u);
-    Record specification = Record(160).put(0, 2, 4);
+    Record cores = Record(160).put(0, 2, 4);
     if (version[0] == '0') {
-      EXPECT_EQ(driver.ioctl("renderD128", kInline, specification), EINVAL) << "the family tells the cores";
+      EXPECT_EQ(driver.ioctl("renderD128", kInline, cores), EINVAL) << "the family tells the cores";
     } else {
-      ASSERT_EQ(driver.ioctl("renderD128", kInline, specification), 0);
-      EXPECT_EQ(specification.get(8, 4), 2u);
-      EXPECT_EQ(specification.get(12, 1), 1u);
-      EXPECT_EQ(specification.get(12 + 8, 1), 0u);
-      EXPECT_EQ(specification.get(12 + 8 + 2, 2), 8u);
+      ASSERT_EQ(driver.ioctl("renderD128", kInline, cores), 0);
+      EXPECT_EQ(cores.get(8, 4), 2u);
+      EXPECT_EQ(cores.get(12, 1), 1u);
+      EXPECT_EQ(cores.get(12 + 8, 1), 0u);
+      EXPECT_EQ(cores.get(12 + 8 + 2, 2), 8u);
     }
     Record pointed = Record(40).put(4, 4, 64);
     EXPECT_EQ(driver.ioctl("renderD128", kPointed, pointed), EINVAL);

@@ -44,7 +44,7 @@ class DriverScript : public ScriptedDriver {
 
   void on(std::uint16_t interface, Reply reply) { replies_[interface] = std::move(reply); }
 
-  /// A render node with one core, whose list has the specification in this version.
+  /// A render node with one core, whose list has the interface of the cores in this version.
   void allowRender(const std::string& path, std::uint32_t specVersion = 1) {
     allowOpen(path);
     answer(kRenderProbe, [](std::uint8_t* r) {

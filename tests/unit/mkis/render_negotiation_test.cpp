@@ -21,7 +21,7 @@ constexpr std::uint32_t kList = 0xC148648C;
 constexpr std::uint32_t kInline = 0xC0A0648A;
 constexpr std::uint32_t kPointer = 0xC028648A;
 
-/// Two encoders and a decoder, as the driver's specification reply holds them.
+/// Two encoders and a decoder, as the driver's reply holds them.
 void putCores(std::uint8_t* reply) {
   put<std::uint32_t>(reply, 0, 3);
   const std::uint8_t kinds[] = {0, 0, 1};

@@ -36,7 +36,7 @@ class RenderKernelAccessor : public RenderKernelAccessorBase {
   VersionMap<Operation<Clocks>> getVpuClock() override;
   VersionMap<Operation<Cores>> getVpuSpec() override;
 
-  /// The version of the specification interface that was agreed on; it must be set before `postInit`.
+  /// The version of interface 100004, the description of the cores, that was agreed on; it must be set before `postInit`.
   void setVpuSpecVersion(int version) { specVersion_ = version; }
 
  private:
