@@ -18,6 +18,7 @@ LOOK_WAYS = ("errno=ENOENT", "errno=EACCES")
 OPEN_WAYS = ("errno=EACCES", "text=garbage", "text=")
 # Nodes hold nothing that could be read.
 NODE_WAYS = ("errno=ENODEV", "errno=EACCES")
+MAP_WAYS = ("errno=ENOMEM",)
 # The simulator's own proof that the host is in place.
 PROOF = "/sys/.ovgpu-sim"
 
@@ -26,6 +27,7 @@ def accesses(trace):
     """The fault's target, the kind and the ways to fail of every access, in order."""
     ioctls = 0
     counts = {}
+    maps = {}
     for line in trace.read_text().splitlines():
         operation, *subject, _ = line.split(" ")
         if operation == "ioctl":
@@ -33,6 +35,12 @@ def accesses(trace):
             yield f"ioctl#{ioctls}", tuple(subject[1:]), IOCTL_WAYS
             continue
         (path,) = subject
+        if operation in ("mmap", "munmap"):
+            # Taking memory back does not fail.
+            if operation == "mmap":
+                maps[path] = maps.get(path, 0) + 1
+                yield f"map({path})#{maps[path]}", ("map", path), MAP_WAYS
+            continue
         counts[path] = counts.get(path, 0) + 1
         if path == PROOF:
             continue
