@@ -1,6 +1,8 @@
 #include "command_access/command_access_base.h"
 
+#include <cstdlib>
 #include <iostream>
+#include <limits>
 #include <utility>
 
 #include "command_access/lumo_access/lumo_access_factory.h"
@@ -69,6 +71,16 @@ std::shared_ptr<Step> CommandAccessBase::listDevices(const StartWording& wording
   std::uint32_t count = 0;
   if (auto failure = countDevices(wording, count)) return failure;
   return getReorderIndices(count, indices, *accessFactory) ? nullptr : failed(wording.noOrder);
+}
+
+std::shared_ptr<Step> CommandAccessBase::findDevice(std::uint32_t& index) const {
+  const std::int64_t asked = std::strtol(options.at("-i").front().c_str(), nullptr, 10);
+  if (asked > std::numeric_limits<std::uint32_t>::max() ||
+      !accessFactory->getAccessDeviceById(static_cast<std::uint32_t>(asked))) {
+    return noSuchDevice(asked);
+  }
+  index = static_cast<std::uint32_t>(asked);
+  return nullptr;
 }
 
 std::shared_ptr<Step> CommandAccessBase::noSuchDevice(std::int64_t index) {

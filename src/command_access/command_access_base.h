@@ -51,6 +51,9 @@ class CommandAccessBase : public Step {
   /// Counts the devices and puts them in display order.
   std::shared_ptr<Step> listDevices(const StartWording& wording, std::vector<std::uint32_t>& indices) const;
 
+  /// The device that "-i" names first; other ones behind it do not count.
+  std::shared_ptr<Step> findDevice(std::uint32_t& index) const;
+
   /// The failure of a device that was asked for by index. A script reads the number as 32 bits.
   static std::shared_ptr<Step> noSuchDevice(std::int64_t index);
 

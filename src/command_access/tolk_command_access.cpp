@@ -1,12 +1,10 @@
 #include "command_access/tolk_command_access.h"
 
-#include <cstdlib>
-#include <ctime>
-#include <limits>
 #include <optional>
 #include <string>
 
 #include "command_access/lumo_access/lumo_access_factory.h"
+#include "command_access/value_text.h"
 #include "command_error.h"
 #include "command_output/tolk_output.h"
 #include "common_define.h"
@@ -20,23 +18,8 @@ namespace {
 /// The second pass is for a device that changed its performance state during the first.
 constexpr int kPasses = 2;
 
-constexpr unsigned long long kMib = 1ull << 20;
-
-/// First architecture with inline ECC; the number is the high byte of the PCI device id.
-constexpr unsigned kEccArchitecture = 4;
-
-constexpr const char* kNoValue = "N/A";
-
 std::string inMib(unsigned long long bytes) {
   return std::to_string(bytes / kMib) + "MiB";
-}
-
-/// Such as "Thu Nov 20 17:40:12 2025".
-std::string timestamp() {
-  const std::time_t now = std::time(nullptr);
-  std::string text = std::ctime(&now);
-  text.pop_back();
-  return text;
 }
 
 std::string nameText(const LumoAccessDevice& device) {
@@ -91,20 +74,6 @@ std::string memoryText(const std::optional<MemoryUse>& use, DeviceType type) {
   return inMib(use->usedBytes) + "(" + inMib(use->totalBytes) + ")";
 }
 
-const char* typeText(DeviceType type) {
-  switch (type) {
-    case DeviceType::kVirtual:
-      return "Virtual";
-    case DeviceType::kPhysical:
-      return "Physical";
-    case DeviceType::kMpcParent:
-      return "MPC Parent";
-    case DeviceType::kMpcInstance:
-      return "MPC Instance";
-  }
-  return kNoValue;
-}
-
 const char* mpcCapableText(const LumoAccessDevice& device) {
   bool capable = false;
   if (device.devGetMpcCapability(capable) != LUMO_RETURN_SUCCESS) return kNoValue;
@@ -118,12 +87,6 @@ const char* eccText(const LumoAccessDevice& device, unsigned architecture) {
     return kNoValue;
   }
   return current == 1 ? "On-die, Inline, EDC" : "On-die, EDC";
-}
-
-std::optional<std::uint32_t> performanceState(const LumoAccessDevice& device) {
-  std::uint32_t state = 0;
-  if (device.deviceGetPerfState(state) != LUMO_RETURN_SUCCESS) return std::nullopt;
-  return state;
 }
 
 std::string processUseText(unsigned long long bytes) {
@@ -140,7 +103,7 @@ std::shared_ptr<Step> TolkCommandAccess::work() {
   if (auto failure = selectDevices(indices)) return failure;
 
   nlohmann::ordered_json document;
-  document["Timestamp"] = timestamp();
+  document["Timestamp"] = timestampText();
   std::string driverVersion = kNoValue;
   if (accessFactory->getAccessSystem()->getDriverVersion(driverVersion) != LUMO_RETURN_SUCCESS) {
     TOLK_LOG(kError) << "can not get driver version!";
@@ -166,16 +129,10 @@ std::shared_ptr<Step> TolkCommandAccess::work() {
 }
 
 std::shared_ptr<Step> TolkCommandAccess::selectDevices(std::vector<std::uint32_t>& indices) const {
-  const auto id = options.find("-i");
-  if (id == options.end()) return listDevices(StartWording{}, indices);
+  if (!hasOption("-i")) return listDevices(StartWording{}, indices);
 
-  const std::int64_t index = std::strtol(id->second.front().c_str(), nullptr, 10);
-  if (index > std::numeric_limits<std::uint32_t>::max() ||
-      !accessFactory->getAccessDeviceById(static_cast<std::uint32_t>(index))) {
-    return noSuchDevice(index);
-  }
-  indices = {static_cast<std::uint32_t>(index)};
-  return nullptr;
+  indices.resize(1);
+  return findDevice(indices.front());
 }
 
 LumoReturn TolkCommandAccess::queryDeviceInfo(std::uint32_t index, nlohmann::ordered_json& document) const {
@@ -194,10 +151,10 @@ LumoReturn TolkCommandAccess::queryDeviceInfo(std::uint32_t index, nlohmann::ord
   DeviceType type{};
   if (const LumoReturn ret = device->devGetDeviceType(type); ret != LUMO_RETURN_SUCCESS) return ret;
   row["MEM"] = memoryText(memory, type);
-  row["DeviceType"] = typeText(type);
+  row["DeviceType"] = deviceTypeText(type);
   if (driverMode() != DriverMode::kGuest) row["Temp"] = temperatureText(*device);
   row["MPC Capable"] = mpcCapableText(*device);
-  row["ECC Mode"] = eccText(*device, pci ? pci->deviceId >> 8 : 0);
+  row["ECC Mode"] = eccText(*device, pci ? architectureOf(pci->deviceId) : 0);
   const auto state = performanceState(*device);
   row["Perf"] = state ? std::string("P").append(std::to_string(*state)) : kNoValue;
 
@@ -239,7 +196,7 @@ LumoReturn TolkCommandAccess::queryMemoryInfo(std::uint32_t index, nlohmann::ord
     all[std::to_string(index)] = std::move(rows);
   }
   const auto stateAfter = performanceState(*device);
-  repeat_ = stateBefore && stateAfter && *stateBefore != *stateAfter;
+  repeat_ = hasChanged(stateBefore, stateAfter);
   return LUMO_RETURN_SUCCESS;
 }
 
