@@ -329,6 +329,8 @@ TEST_F(BoardDataTest, NothingIsAskedOnAClosedDescriptor) {
   EXPECT_TRUE(driver_.calls.empty());
   EXPECT_TRUE(driver_.steps.empty());
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> miscFd_ is invalid, value is  -1 "));
+  EXPECT_EQ(log_.count(">> miscFd_ is invalid, value is  -1 "), 2U) << "one line each";
+  EXPECT_EQ(log_.count("fd is invalid !"), 0U);
 }
 
 }  // namespace

@@ -88,6 +88,10 @@ Stated<EfuseData> MiscKernelAccessorV0::doQueryEfuseDataV0(const QueryEfuseDataP
 
 template <class Command, class Data>
 Stated<Data> MiscKernelAccessorV0::queryBuffer(const char* mapFailure, const char* refusal) const {
+  if (fd() < 0) {
+    KELP_LOG(kError) << "miscFd_ is invalid, value is " << fd();
+    return KelpReturn::kFailure;
+  }
   const std::lock_guard lock(bufferMutex_);
   const SharedBuffer buffer(fd(), sizeof(Data));
   if (!buffer.isMapped()) {
@@ -135,10 +139,6 @@ Stated<BoardData> MiscKernelAccessorV0::getBoardCapInfoV0() const {
 }
 
 Stated<BoardData> MiscKernelAccessorV0::getBoardCapInfoV1() const {
-  if (fd() < 0) {
-    KELP_LOG(kError) << "miscFd_ is invalid, value is " << fd();
-    return KelpReturn::kFailure;
-  }
   return queryBuffer<IpcGetDeviceInfoCmdV1, BoardData>("getBoardCapInfoV1() failed to map memory!",
                                                        "getBoardCapInfoV1() status check failed!");
 }
