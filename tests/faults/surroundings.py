@@ -11,7 +11,8 @@ import subprocess
 import sys
 import tempfile
 
-from simulated import Simulated
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from simulated import Simulated  # noqa: E402
 
 VERSION = "/proc/driver/vela/version"
 MODE = "/sys/module/ovgpu/parameters/ovgpu_driver_mode"

@@ -11,7 +11,8 @@ import pathlib
 import sys
 import tempfile
 
-from simulated import ABORTED, Simulated
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from simulated import ABORTED, Simulated  # noqa: E402
 
 IOCTL_WAYS = ("errno=EIO", "status=11", "ones", "gone")
 LOOK_WAYS = ("errno=ENOENT", "errno=EACCES")
