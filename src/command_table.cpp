@@ -3,6 +3,7 @@
 #include "command_access/event_command_access.h"
 #include "command_access/help_command_access.h"
 #include "command_access/list_command_access.h"
+#include "command_access/query_gpu_command_access.h"
 #include "command_access/query_gpu_help_command_access.h"
 #include "command_access/tolk_command_access.h"
 #include "command_access/version_command_access.h"
@@ -88,7 +89,7 @@ constexpr CommandFactory kEventCommand{.make = getFn<EventCommandAccess>};
 constexpr CommandFactory kMetricsMonitorCommand{.loopUnitMs = kMilliseconds};
 constexpr CommandFactory kPowerLimitCommand{.splitsIds = true};
 constexpr CommandFactory kQueryGpuHelpCommand{.make = getFn<QueryGpuHelpCommandAccess>};
-constexpr CommandFactory kQueryGpuCommand{.loopUnitMs = kSeconds};
+constexpr CommandFactory kQueryGpuCommand{.make = getFn<QueryGpuCommandAccess>, .loopUnitMs = kSeconds};
 
 constexpr CommandRow kFullTable[] = {
     {"", {kListGpus}, kListCommand, {kConciseFormat, kDebug}},
