@@ -18,6 +18,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import threading
 
 SKIPPED = 77
 UPDATE = os.environ.get("UPDATE_GOLDEN") == "1"
@@ -44,6 +45,17 @@ def difference(expected, actual):
         [visible(line) for line in actual.splitlines(keepends=True)],
         "expected", "actual", lineterm="")
     return "\n".join(lines)
+
+
+def interrupted(process, lines, limit):
+    """The first lines of a program that Ctrl+C ends as soon as they are there, and its standard error."""
+    too_late = threading.Timer(limit, os.killpg, (process.pid, signal.SIGKILL))
+    too_late.start()
+    out = b"".join(process.stdout.readline() for _ in range(lines))
+    os.killpg(process.pid, signal.SIGINT)
+    err = process.communicate()[1]
+    too_late.cancel()
+    return out, err
 
 
 class Runner:
@@ -85,8 +97,12 @@ class Runner:
         with subprocess.Popen(
                 self.command(case, folder, scratch), cwd=work, env=environment, stdin=subprocess.DEVNULL,
                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True) as process:
+            limit = case.get("timeout", 30)
             try:
-                out, err = process.communicate(timeout=case.get("timeout", 30))
+                if "interrupt_after" in case:
+                    out, err = interrupted(process, case["interrupt_after"], limit)
+                else:
+                    out, err = process.communicate(timeout=limit)
             except subprocess.TimeoutExpired:
                 os.killpg(process.pid, signal.SIGKILL)
                 out, err = process.communicate()
