@@ -3,6 +3,7 @@
 #include "command_access/event_command_access.h"
 #include "command_access/help_command_access.h"
 #include "command_access/list_command_access.h"
+#include "command_access/query_command_access.h"
 #include "command_access/query_gpu_command_access.h"
 #include "command_access/query_gpu_help_command_access.h"
 #include "command_access/tolk_command_access.h"
@@ -69,7 +70,7 @@ constexpr CommandFactory kListCommand{.make = getFn<ListCommandAccess>};
 constexpr CommandFactory kTolkCommand{.make = getFn<TolkCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kHelpCommand{.make = getFn<HelpCommandAccess>};
 constexpr CommandFactory kVersionCommand{.make = getFn<VersionCommandAccess>, .splitsIds = true};
-constexpr CommandFactory kQueryCommand{.loopUnitMs = kSeconds};
+constexpr CommandFactory kQueryCommand{.make = getFn<QueryCommandAccess>, .loopUnitMs = kSeconds};
 constexpr CommandFactory kVgpuCommand{.loopUnitMs = kSeconds};
 constexpr CommandFactory kTopoCommand{};
 constexpr CommandFactory kEncoderSessionsCommand{.loopUnitMs = kSeconds};

@@ -66,11 +66,16 @@ std::shared_ptr<Step> CommandAccessBase::countDevices(const StartWording& wordin
   return count == 0 ? failed(wording.noDevice) : nullptr;
 }
 
+std::shared_ptr<Step> CommandAccessBase::orderDevices(const StartWording& wording, std::uint32_t count,
+                                                      std::vector<std::uint32_t>& indices) const {
+  return getReorderIndices(count, indices, *accessFactory) ? nullptr : failed(wording.noOrder);
+}
+
 std::shared_ptr<Step> CommandAccessBase::listDevices(const StartWording& wording,
                                                      std::vector<std::uint32_t>& indices) const {
   std::uint32_t count = 0;
   if (auto failure = countDevices(wording, count)) return failure;
-  return getReorderIndices(count, indices, *accessFactory) ? nullptr : failed(wording.noOrder);
+  return orderDevices(wording, count, indices);
 }
 
 std::shared_ptr<Step> CommandAccessBase::findDevice(std::uint32_t& index) const {

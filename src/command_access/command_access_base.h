@@ -48,6 +48,10 @@ class CommandAccessBase : public Step {
   /// Counts the devices; none at all is a failure.
   std::shared_ptr<Step> countDevices(const StartWording& wording, std::uint32_t& count) const;
 
+  /// Puts the counted devices in display order.
+  std::shared_ptr<Step> orderDevices(const StartWording& wording, std::uint32_t count,
+                                     std::vector<std::uint32_t>& indices) const;
+
   /// Counts the devices and puts them in display order.
   std::shared_ptr<Step> listDevices(const StartWording& wording, std::vector<std::uint32_t>& indices) const;
 

@@ -18,10 +18,6 @@ namespace {
 /// The second pass is for a device that changed its performance state during the first.
 constexpr int kPasses = 2;
 
-std::string inMib(unsigned long long bytes) {
-  return std::to_string(bytes / kMib) + "MiB";
-}
-
 std::string nameText(const LumoAccessDevice& device) {
   std::string name = kNoValue;
   if (device.devGetName(name) != LUMO_RETURN_SUCCESS) TOLK_LOG(kError) << "can not get device name!";
@@ -70,8 +66,8 @@ std::optional<MemoryUse> memoryUse(const LumoAccessDevice& device) {
 /// Where guests can take a share of an instance's memory, its total says nothing.
 std::string memoryText(const std::optional<MemoryUse>& use, DeviceType type) {
   if (!use) return kNoValue;
-  if (type == DeviceType::kMpcInstance && hostHasMdevBus()) return inMib(use->usedBytes);
-  return inMib(use->usedBytes) + "(" + inMib(use->totalBytes) + ")";
+  if (type == DeviceType::kMpcInstance && hostHasMdevBus()) return mibText(use->usedBytes);
+  return mibText(use->usedBytes) + "(" + mibText(use->totalBytes) + ")";
 }
 
 const char* mpcCapableText(const LumoAccessDevice& device) {
@@ -90,7 +86,7 @@ const char* eccText(const LumoAccessDevice& device, unsigned architecture) {
 }
 
 std::string processUseText(unsigned long long bytes) {
-  return bytes < kMib ? "<1MiB" : inMib(bytes);
+  return bytes < kMib ? "<1MiB" : mibText(bytes);
 }
 
 }  // namespace

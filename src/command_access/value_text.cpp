@@ -6,6 +6,10 @@
 
 namespace tolk {
 
+std::string mibText(unsigned long long bytes) {
+  return std::to_string(bytes / kMib) + "MiB";
+}
+
 const char* deviceTypeText(DeviceType type) {
   switch (type) {
     case DeviceType::kVirtual:

@@ -14,6 +14,9 @@ inline constexpr const char* kNoValue = "N/A";
 
 inline constexpr unsigned long long kMib = 1ull << 20;
 
+/// Whole mebibytes, such as "1024MiB".
+std::string mibText(unsigned long long bytes);
+
 /// Such as "Virtual".
 const char* deviceTypeText(DeviceType type);
 
