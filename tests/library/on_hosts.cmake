@@ -12,6 +12,7 @@ tolk_executable(library_tests
   on_hosts/bare_host_test.cpp
   on_hosts/changes_test.cpp
   on_hosts/device_values_test.cpp
+  on_hosts/events_test.cpp
   on_hosts/guest_host_test.cpp
   on_hosts/handles_test.cpp
   on_hosts/kinds_test.cpp
@@ -39,6 +40,10 @@ target_link_libraries(library_plain_c_test PRIVATE lumo)
 # Calls everything and only survives.
 tolk_executable(library_walk walk.cpp)
 target_link_libraries(library_walk PRIVATE library_calls)
+
+# Tells all answers.
+tolk_executable(library_answers answers.cpp)
+target_link_libraries(library_answers PRIVATE library_calls)
 
 if(TARGET ovgpu-sim)
   find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
@@ -69,8 +74,10 @@ if(TARGET ovgpu-sim)
   library_host_test(kinds_vgpus vgpus "*KindsVgpusHost*" library)
   library_host_test(legacy legacy "LegacyHost*" library)
   library_host_test(mpc mpc "MpcHost*" library)
+  library_host_test(no_events no-events "NoFolderHost*" library)
   library_host_test(none none "NoneHost*" library)
   library_host_test(older older "OlderHost*" library)
+  library_host_test(old old "OldHost*" library)
   library_host_test(server server "ServerHost*" library threads)
   library_host_test(vgpu_threads vgpus "VgpusHostThreads*" library threads)
   library_host_test(silent silent "SilentHost*" library)
@@ -93,6 +100,13 @@ if(TARGET ovgpu-sim)
     COMMAND Python3::Interpreter -IS "${CMAKE_CURRENT_SOURCE_DIR}/uncalled.py"
       "${PROJECT_SOURCE_DIR}/lumo/include/lumo.h" "${CMAKE_CURRENT_SOURCE_DIR}")
   set_tests_properties(library.uncalled PROPERTIES LABELS library TIMEOUT 60)
+
+  # What drivers of several ages make of the same GPUs.
+  add_test(NAME library.across_drivers
+    COMMAND Python3::Interpreter -IS "${CMAKE_CURRENT_SOURCE_DIR}/across_drivers.py"
+      --simulator $<TARGET_FILE:ovgpu-sim> --host "${CMAKE_CURRENT_SOURCE_DIR}/hosts/ages.json"
+      --table "${CMAKE_CURRENT_SOURCE_DIR}/across_drivers.txt" $<TARGET_FILE:library_answers>)
+  set_tests_properties(library.across_drivers PROPERTIES LABELS library TIMEOUT 120)
 
   # Each access fails in so many ways, which go by turns.
   set(ways 3)

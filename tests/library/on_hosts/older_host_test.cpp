@@ -38,6 +38,19 @@ TEST_F(OlderHost, NoPowerLimitCanBeMadeToStay) {
   EXPECT_EQ(ask(of(1), lumoDeviceGetPowerLimit), "200000");
 }
 
+/// The GPUs of ages.json with a driver of the old protocol.
+class OldHost : public ValuesFixture {
+ protected:
+  OldHost() : ValuesFixture("ages") {}
+};
+
+TEST_F(OldHost, AFanWhoseHighestDutyIsZeroStands) {
+  ASSERT_EQ(number(0, "fans/1/max_duty"), 0U);
+  ASSERT_NE(number(0, "fans/1/duty"), 0U);
+  EXPECT_EQ(ask(of(0), lumoDeviceGetFanSpeed, 1U), "0");
+  EXPECT_EQ(ask(of(0), lumoDeviceGetFanSpeed, 0U), told(0, "fans/0/percent"));
+}
+
 /// A driver of the old protocol, with the values that a GPU of its family has by itself.
 class LegacyHost : public tolk_test::HostFixture {};
 
