@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +20,7 @@ class FrontLogCapture final : public rusk::LogTarget {
   ~FrontLogCapture() { tolk::frontLogger().remove(this); }
 
   bool write(const std::string& line, int level) override {
+    const std::lock_guard lock(mutex_);
     const auto text = line.find(" >> ");
     const auto function = line.rfind(':', text);
     lines.push_back(std::string(1, "?TDIWEF"[level]) + ' ' + line.substr(function + 1));
@@ -36,6 +38,9 @@ class FrontLogCapture final : public rusk::LogTarget {
   }
 
   std::vector<std::string> lines;
+
+ private:
+  std::mutex mutex_;  ///< several threads write
 };
 
 }  // namespace tolk_test
