@@ -1,11 +1,16 @@
 #include "command_table.h"
 
+#include "command_access/decoder_sessions_command_access.h"
+#include "command_access/encoder_sessions_command_access.h"
 #include "command_access/event_command_access.h"
 #include "command_access/help_command_access.h"
 #include "command_access/list_command_access.h"
+#include "command_access/metrics_monitor_command_access.h"
+#include "command_access/process_monitor_command_access.h"
 #include "command_access/query_command_access.h"
 #include "command_access/query_gpu_command_access.h"
 #include "command_access/query_gpu_help_command_access.h"
+#include "command_access/retired_page_command_access.h"
 #include "command_access/tolk_command_access.h"
 #include "command_access/version_command_access.h"
 #include "value_pattern.h"
@@ -73,8 +78,10 @@ constexpr CommandFactory kVersionCommand{.make = getFn<VersionCommandAccess>, .s
 constexpr CommandFactory kQueryCommand{.make = getFn<QueryCommandAccess>, .loopUnitMs = kSeconds};
 constexpr CommandFactory kVgpuCommand{.loopUnitMs = kSeconds};
 constexpr CommandFactory kTopoCommand{};
-constexpr CommandFactory kEncoderSessionsCommand{.loopUnitMs = kSeconds};
-constexpr CommandFactory kDecoderSessionsCommand{.loopUnitMs = kSeconds};
+constexpr CommandFactory kEncoderSessionsCommand{.make = getFn<EncoderSessionsCommandAccess>,
+                                                 .loopUnitMs = kSeconds};
+constexpr CommandFactory kDecoderSessionsCommand{.make = getFn<DecoderSessionsCommandAccess>,
+                                                 .loopUnitMs = kSeconds};
 constexpr CommandFactory kMpcCommand{};
 constexpr CommandFactory kResetGpuCommand{};
 constexpr CommandFactory kSablinkStatusCommand{};
@@ -83,11 +90,13 @@ constexpr CommandFactory kSablinkRemoteLinkInfoCommand{};
 constexpr CommandFactory kSablinkLayoutCommand{};
 constexpr CommandFactory kSablinkErrorCountersCommand{.splitsIds = true};
 constexpr CommandFactory kSablinkErrCounterResetCommand{.splitsIds = true};
-constexpr CommandFactory kProcessMonitorCommand{.loopUnitMs = kSeconds};
+constexpr CommandFactory kProcessMonitorCommand{.make = getFn<ProcessMonitorCommandAccess>,
+                                                .loopUnitMs = kSeconds};
 constexpr CommandFactory kEccConfigCommand{.splitsIds = true};
-constexpr CommandFactory kRetiredPageCommand{.splitsIds = true};
+constexpr CommandFactory kRetiredPageCommand{.make = getFn<RetiredPageCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kEventCommand{.make = getFn<EventCommandAccess>};
-constexpr CommandFactory kMetricsMonitorCommand{.loopUnitMs = kMilliseconds};
+constexpr CommandFactory kMetricsMonitorCommand{.make = getFn<MetricsMonitorCommandAccess>,
+                                                .loopUnitMs = kMilliseconds};
 constexpr CommandFactory kPowerLimitCommand{.splitsIds = true};
 constexpr CommandFactory kQueryGpuHelpCommand{.make = getFn<QueryGpuHelpCommandAccess>};
 constexpr CommandFactory kQueryGpuCommand{.make = getFn<QueryGpuCommandAccess>, .loopUnitMs = kSeconds};
