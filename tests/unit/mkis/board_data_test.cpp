@@ -292,6 +292,8 @@ TEST_F(BoardDataTest, MappingBelowTheSizeIsAFailedOne) {
   EXPECT_EQ(ask<kQueryGpuCap>(DevArch::kFen1).state(), KelpReturn::kFailure);
   EXPECT_EQ(driver_.steps, (Steps{"alloc 616", "free"}));
   EXPECT_TRUE(log_.has(LogLevel::kError, ">> getBoardCapInfoV1() failed to map memory! "));
+  driver_.mapSize = 616;
+  EXPECT_TRUE(ask<kQueryGpuCap>(DevArch::kFen1).ok());
 }
 
 TEST_F(BoardDataTest, FailedOrRefusedCommandGivesTheBufferBack) {
