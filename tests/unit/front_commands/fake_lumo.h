@@ -48,6 +48,15 @@ struct FakeLumo {
     answers[call] = {std::any(std::move(outputs))...};
   }
 
+  /// Values that a function with one output gives one after the other; the last stays.
+  template <class Value>
+  void setSteps(const std::string& call, const std::vector<Value>& values) {
+    auto& [list, next] = steps[call];
+    list.clear();
+    next = 0;
+    for (const auto& value : values) list.push_back({std::any(value)});
+  }
+
   /// A list with the function that counts it.
   template <class Entry>
   void setList(const std::string& countCall, const std::string& listCall, std::vector<Entry> entries) {
@@ -63,7 +72,13 @@ struct FakeLumo {
 
   std::ptrdiff_t timesCalled(const std::string& name) const { return std::ranges::count(calls, name); }
 
+  struct Steps {
+    std::vector<std::vector<std::any>> list;
+    std::size_t next = 0;
+  };
+
   std::map<std::string, std::vector<std::any>> answers;
+  std::map<std::string, Steps> steps;  ///< these come first
   std::map<std::string, std::deque<LumoReturn>> failures;
 };
 
