@@ -33,6 +33,7 @@ std::shared_ptr<Step> CodecSessionsCommandAccess::work() {
       return commandError("Error: query decoder sessions of vpu failed.", ExitCode::kQueryFailed);  // sic
     }
   }
+  endLibrary();
   return std::make_shared<CodecSessionOutput>(std::move(document));
 }
 

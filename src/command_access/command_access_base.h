@@ -45,6 +45,10 @@ class CommandAccessBase : public Step {
   /// anything else is the step that `work` has to return.
   std::shared_ptr<Step> startLibrary();
 
+  /// Ends the library, and with it every adaptor. A command that loops does so as soon as it has gathered
+  /// everything: while it sleeps it holds no device, which another program may want to reset.
+  void endLibrary() { accessFactory.reset(); }
+
   /// Counts the devices; none at all is a failure.
   std::shared_ptr<Step> countDevices(const StartWording& wording, std::uint32_t& count) const;
 
@@ -62,7 +66,7 @@ class CommandAccessBase : public Step {
   static std::shared_ptr<Step> noSuchDevice(std::int64_t index);
 
   const ParsedOptions options;
-  std::shared_ptr<LumoAccessFactory> accessFactory;  ///< null before startLibrary
+  std::shared_ptr<LumoAccessFactory> accessFactory;  ///< null while the library does not run
 };
 
 }  // namespace tolk

@@ -121,6 +121,7 @@ std::shared_ptr<Step> MetricsMonitorCommandAccess::work() {
       return commandError(kMonitorNotAvailable, ExitCode::kQueryFailed);
     }
   }
+  endLibrary();
   std::vector<std::string> names;
   for (const auto* const field : selected_) names.emplace_back(field->name);
   return std::make_shared<MetricsMonitorOutput>(std::move(document), std::move(names));

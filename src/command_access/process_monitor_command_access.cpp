@@ -53,6 +53,7 @@ std::shared_ptr<Step> ProcessMonitorCommandAccess::work() {
       return commandError(kMonitorNotAvailable, ExitCode::kUnsupported);
     }
   }
+  endLibrary();
   return std::make_shared<ProcessMonitorOutput>(std::move(document));
 }
 

@@ -64,6 +64,7 @@ std::shared_ptr<Step> QueryCommandAccess::work() {
       return commandError(kNotAvailable, ExitCode::kUnsupported);
     }
   }
+  endLibrary();
   const auto filename = options.find("-f");
   return std::make_shared<QueryOutput>(std::move(document), hasOption("--json"),
                                        filename == options.end() ? std::string() : filename->second.front());

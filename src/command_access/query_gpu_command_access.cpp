@@ -61,9 +61,8 @@ std::shared_ptr<Step> QueryGpuCommandAccess::work() {
   }
   for (auto& reader : readers) reader.join();
 
-  // A command that loops keeps no device open while it sleeps.
   targets.clear();
-  accessFactory.reset();
+  endLibrary();
 
   std::vector<std::string> names;
   for (const auto* const field : fields) names.emplace_back(field->name);
