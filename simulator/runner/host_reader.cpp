@@ -8,6 +8,7 @@
 #include "json_cursor.h"
 #include "sim_records.h"
 #include "topology_reader.h"
+#include "value_reader.h"
 
 using nlohmann::json;
 
@@ -174,15 +175,7 @@ std::string bytesOf(const JsonCursor& place) {
   if (place.value().is_string()) return place.text();
   if (!place.value().is_object()) place.fail("text, null, or {\"hex\": \"...\"}");
   place.allowKeys({"hex"});
-  const JsonCursor hex = place.require("hex");
-  const std::string text = hex.text();
-  std::string bytes;
-  for (size_t i = 0; i < text.size(); i += 2) {
-    const auto number = numberFromText("0x" + text.substr(i, 2));
-    if (!number || text.size() % 2 != 0) hex.fail("pairs of hexadecimal digits");
-    bytes += static_cast<char>(*number);
-  }
-  return bytes;
+  return bytesFromHex(place.require("hex"));
 }
 
 void readFiles(const JsonCursor& top, Host& host) {

@@ -22,7 +22,7 @@ constexpr Definition kDefinitions[] = {
 };
 
 // Members that make an object one value.
-constexpr std::array<std::string_view, 4> kSpecialKeys{"status", "errno", "steps", "cycle"};
+constexpr std::array<std::string_view, 5> kSpecialKeys{"status", "errno", "steps", "cycle", "hex"};
 
 std::string packed(const std::vector<uint32_t>& numbers) {
   std::string bytes;
@@ -55,7 +55,8 @@ uint64_t readNumber(const JsonCursor& place) {
 Cell readSpecial(const JsonCursor& place, Type type) {
   Cell cell;
   place.allowKeys({kSpecialKeys.begin(), kSpecialKeys.end()});
-  if (place.value().size() != 1) place.failWith("only one of status, errno, steps and cycle can be given");
+  if (place.value().size() != 1)
+    place.failWith("only one of status, errno, steps, cycle and hex can be given");
   if (const auto status = place.find("status")) {
     cell.kind = SIM_CELL_STATUS;
     cell.number = status->whole(1, 255);
@@ -64,6 +65,10 @@ Cell readSpecial(const JsonCursor& place, Type type) {
     if (!number) error->fail("the name of an errno, such as \"EIO\"");
     cell.kind = SIM_CELL_ERRNO;
     cell.number = static_cast<uint64_t>(*number);
+  } else if (const auto hex = place.find("hex")) {
+    if (type != Type::kTEXT) hex->failWith("only a text can be given by its bytes");
+    cell.kind = SIM_CELL_BLOB;
+    cell.blob = bytesFromHex(*hex);
   } else {
     const auto cycle = place.find("cycle");
     const JsonCursor steps = cycle ? *cycle : place.require("steps");
@@ -90,17 +95,6 @@ Cell readArray(const JsonCursor& place) {
   cell.kind = SIM_CELL_BLOB;
   cell.blob = packed(numbers);
   return cell;
-}
-
-std::string bytesFromHex(const JsonCursor& place) {
-  const std::string text = place.text();
-  std::string bytes;
-  for (size_t i = 0; i < text.size(); i += 2) {
-    const auto number = numberFromText("0x" + text.substr(i, 2));
-    if (!number || text.size() % 2 != 0) place.fail("pairs of hexadecimal digits");
-    bytes += static_cast<char>(*number);
-  }
-  return bytes;
 }
 
 Cell readCell(const JsonCursor& place, Type type) {
@@ -177,6 +171,17 @@ uint16_t indexOf(const JsonCursor& place, std::string_view name) {
 }
 
 }  // namespace
+
+std::string bytesFromHex(const JsonCursor& place) {
+  const std::string text = place.text();
+  std::string bytes;
+  for (size_t i = 0; i < text.size(); i += 2) {
+    const auto number = numberFromText("0x" + text.substr(i, 2));
+    if (!number || text.size() % 2 != 0) place.fail("pairs of hexadecimal digits");
+    bytes += static_cast<char>(*number);
+  }
+  return bytes;
+}
 
 const std::vector<std::string_view>& valueNames() {
   static const std::vector<std::string_view> kNames = [] {

@@ -2,6 +2,7 @@
 #ifndef VALUE_READER_H
 #define VALUE_READER_H
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,6 +21,9 @@ void checkValueNames(const JsonCursor& values);
 
 /// Whether an object is one value ({"status": 5} and its like) and not values by key.
 bool isSingleValue(const nlohmann::json& value);
+
+/// Any bytes, as a text of two hexadecimal digits for each.
+std::string bytesFromHex(const JsonCursor& place);
 
 /// One value under one key.
 void readValue(const JsonCursor& place, SimValue value, uint64_t key, CellMap& cells);

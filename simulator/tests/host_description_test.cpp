@@ -47,7 +47,11 @@ TEST(SimDescription, MistakesNameFileKeyAndExpectation) {
        "test.json: gpus[0].values.pstate.errno: expected the name of an errno, such as \"EIO\"; found "
        "\"EWHAT\""},
       {R"({"gpus": [{"model": "B250A", "values": {"pstate": {"status": 5, "errno": "EIO"}}}]})",
-       "test.json: gpus[0].values.pstate: only one of status, errno, steps and cycle can be given"},
+       "test.json: gpus[0].values.pstate: only one of status, errno, steps, cycle and hex can be given"},
+      {R"({"gpus": [{"model": "B250A", "values": {"pstate": {"hex": "01"}}}]})",
+       "test.json: gpus[0].values.pstate.hex: only a text can be given by its bytes"},
+      {R"({"gpus": [{"model": "B250A", "values": {"serial_number": {"hex": "123"}}}]})",
+       "test.json: gpus[0].values.serial_number.hex: expected pairs of hexadecimal digits; found \"123\""},
       {R"({"gpus": [{"model": "B250A", "values": {"pstate": []}}]})",
        "test.json: gpus[0].values.pstate: expected at least one step; found []"},
       {R"({"gpus": [{"model": "B250A", "address": "0000:01:00.0"}, {"model": "B250A", "address": "0000:01:00.0"}]})",

@@ -109,6 +109,18 @@ TEST_F(SimRecord1, InfoRomAndName) {
   EXPECT_EQ(ask(driver, 71, 0, 64).text(0, 48), "OVT B250A");
 }
 
+TEST_F(SimRecord1, TextOfAnyBytes) {
+  TestDriver driver(
+      tor1With(R"("serial_number": {"hex": "ff0a80007f"}, "name": {"steps": ["a", {"hex": "c3"}]})"));
+  const Record rom = ask(driver, 32, 1, 256);
+  for (const auto& [offset, byte] :
+       {std::pair{0u, 0xffu}, {1u, 0x0au}, {2u, 0x80u}, {3u, 0u}, {4u, 0x7fu}, {5u, 0u}}) {
+    EXPECT_EQ(rom.get(offset, 1), byte) << offset;
+  }
+  EXPECT_EQ(ask(driver, 71, 0, 64).text(0, 48), "a");
+  EXPECT_EQ(ask(driver, 71, 0, 64).text(0, 48), "\xc3");
+}
+
 TEST_F(SimRecord1, TextLongerThanItsFieldIsCut) {
   TestDriver driver(tor1With("\"name\": \"" + std::string(60, 'x') + "\""));
   const Record name = ask(driver, 71, 0, 64);
