@@ -9,7 +9,7 @@
  * a device. Asking twice for the same of those gives the same handle. They are valid until the last
  * lumoLibraryShutDown and are never freed by the caller. A handle whose object is gone answers
  * LUMO_RETURN_UNKNOWN_ERROR. Records and buffers are the caller's; the library keeps no pointer to them,
- * but for performance samples, which it makes itself.
+ * but for events and performance samples, which it makes itself.
  *
  * Devices.  A device is a physical GPU, an MPC parent (a GPU divided into instances), one of its MPC
  * instances, a mediated device (a vGPU seen from its host) or, in a virtual machine, a guest device;
@@ -82,6 +82,7 @@ typedef struct LumoDevice LumoDevice;
 typedef struct LumoGpu LumoGpu;
 typedef struct LumoMemory LumoMemory;
 typedef struct LumoVpu LumoVpu;
+typedef struct LumoEvent LumoEvent;
 
 /** Lengths of the text fields below, terminators included, and of the lists in records. */
 enum {
@@ -1004,6 +1005,41 @@ LumoReturn lumoDeviceGetEventDataByEventType(LumoDevice *device, unsigned long l
                                              LumoEventData *events, unsigned capacity, unsigned *count);
 LumoReturn lumoGetTargetUuidEventDataByEventType(const char *uuid, unsigned long long eventType,
                                                  LumoEventData *events, unsigned capacity, unsigned *count);
+
+/*
+ * Faults as they happen. An event object listens to the devices that are registered with it, each with the
+ * types that are wanted, and a wait gives one event after the other:
+ *
+ *   lumoEventCreate(&event);
+ *   lumoEventRegister(event, device, LUMO_EVENT_XID);
+ *   while (lumoEventWait(event, 1000, &data) == LUMO_RETURN_SUCCESS) { ... }
+ *
+ * An object belongs to one thread at a time. What happened before it was made is left out, to the second. Of
+ * a device the driver keeps the last 64 events that nobody has read. Objects that are left end with the
+ * library.
+ */
+
+/** @return UNKNOWN_ERROR while the library is not started */
+LumoReturn lumoEventCreate(LumoEvent **event);
+
+/** @return INVALID_ARGUMENT for an object that is not there any more, here and below */
+LumoReturn lumoEventDestroy(LumoEvent *event);
+
+/**
+ * Listens to a device, or changes the types that are listened to.
+ * @param eventTypes LUMO_EVENT_..., or several
+ * @return NOT_SUPPORTED when the device reports none of these types; NOT_FOUND when the driver has no event
+ *         file for it; UNKNOWN_ERROR when that cannot be opened
+ */
+LumoReturn lumoEventRegister(LumoEvent *event, LumoDevice *device, unsigned long long eventTypes);
+
+/**
+ * Waits for an event. Signals do not end the wait.
+ * @param data its `uuid` is 32 hexadecimal digits without hyphens, as the driver sends it
+ * @return DRIVER_ACCESS_FAILED when none came in time; INVALID_ARGUMENT also for one in a version that this
+ *         library does not know
+ */
+LumoReturn lumoEventWait(LumoEvent *event, unsigned timeoutMs, LumoEventData *data);
 
 /* ---- Performance sampling -------------------------------------------------------------------- */
 

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "event.h"
 #include "lumo.h"
 
 namespace lumo {
@@ -17,8 +18,8 @@ class Vpu;
 
 }  // namespace lumo
 
-// The cells that the caller's handles point to. A library handle keeps the library alive; the others
-// keep nothing alive and survive their object as a dead link.
+// The cells that the caller's handles point to. A library handle keeps the library alive and an event holds
+// its object; the others keep nothing alive and survive their object as a dead link.
 struct LumoLibrary {
   std::shared_ptr<lumo::Library> object;
 };
@@ -36,6 +37,9 @@ struct LumoMemory {
 };
 struct LumoVpu {
   std::weak_ptr<lumo::Vpu> object;
+};
+struct LumoEvent {
+  lumo::Event object;
 };
 
 namespace lumo {

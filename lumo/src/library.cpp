@@ -6,6 +6,7 @@
 #include "device.h"
 #include "device_manager.h"
 #include "device_object.h"
+#include "handles.h"
 #include "kelp_log.h"
 #include "pci_sbdf.h"
 #include "system.h"
@@ -132,6 +133,7 @@ void Library::shutDown() {
   order_.clear();
   system_.reset();
   deviceManager_.reset();
+  events_.clear();
   samples_.clear();
 }
 
@@ -179,22 +181,6 @@ std::vector<std::shared_ptr<Device>> Library::getDevices() const {
     devices.push_back(devices_.at(key));
   }
   return devices;
-}
-
-LumoPfmSample* Library::allocSample() {
-  auto sample = std::make_unique<LumoPfmSample>();
-  const std::lock_guard lock(mutex_);
-  return samples_.emplace(sample.get(), std::move(sample)).first->second.get();
-}
-
-bool Library::freeSample(const LumoPfmSample* sample) {
-  const std::lock_guard lock(mutex_);
-  return samples_.erase(sample) != 0;
-}
-
-bool Library::knowsSample(const LumoPfmSample* sample) const {
-  const std::lock_guard lock(mutex_);
-  return samples_.contains(sample);
 }
 
 }  // namespace lumo

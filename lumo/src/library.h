@@ -10,6 +10,7 @@
 
 #include "dev_cuid.h"
 #include "lumo_def.h"
+#include "owned_objects.h"
 
 namespace kelp {
 class DeviceManager;
@@ -53,12 +54,9 @@ class Library {
   /// Forgets all devices; what the caller still holds of them is dead then. `initialize` finds them anew.
   void shutDown();
 
-  // Samples are made and freed here alone, so that a plain address can be told from one.
-  /// Throws std::bad_alloc.
-  LumoPfmSample* allocSample();
-  /// Whether there was such a sample.
-  bool freeSample(const LumoPfmSample* sample);
-  bool knowsSample(const LumoPfmSample* sample) const;
+  /// What callers make and the library owns; all of it goes when the library shuts down.
+  OwnedObjects<LumoPfmSample>& getSamples() { return samples_; }
+  OwnedObjects<LumoEvent>& getEvents() { return events_; }
 
  private:
   std::shared_ptr<Device> createDevice(const kelp::DevCuid& cuid, LumoReturn* status,
@@ -75,7 +73,8 @@ class Library {
   std::unordered_map<std::uint64_t, std::string> keyOfIntId_;
   std::vector<std::string> order_;  ///< keys; the position is the device index
   std::shared_ptr<System> system_;
-  std::unordered_map<const LumoPfmSample*, std::unique_ptr<LumoPfmSample>> samples_;
+  OwnedObjects<LumoPfmSample> samples_;
+  OwnedObjects<LumoEvent> events_;
 };
 
 }  // namespace lumo

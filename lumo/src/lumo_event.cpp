@@ -2,6 +2,8 @@
 #include "entry_point.h"
 #include "event_records.h"
 #include "kelp_log.h"
+#include "library.h"
+#include "process.h"
 
 using lumo::Device;
 
@@ -12,6 +14,23 @@ LumoReturn copyEvents(const std::vector<LumoEventData>& list, LumoEventData* eve
   std::copy(list.begin(), list.end(), events);
   *count = static_cast<unsigned>(list.size());
   return LUMO_RETURN_SUCCESS;
+}
+
+/// Runs an operation on an event, which lives until that has ended, whatever becomes of the library.
+template <class Operation>
+LumoReturn onEvent(const LumoEvent* event, Operation&& operation) {
+  if (event == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return lumo::withoutThrowing([&] {
+    std::shared_ptr<lumo::Library> library = lumo::currentLibrary();
+    if (library == nullptr) {
+      return LUMO_RETURN_UNKNOWN_ERROR;
+    }
+    const std::shared_ptr<LumoEvent> known = library->getEvents().find(event);
+    library.reset();
+    return known == nullptr ? LUMO_RETURN_INVALID_ARGUMENT : operation(known->object);
+  });
 }
 
 }  // namespace
@@ -51,5 +70,50 @@ LumoReturn lumoGetTargetUuidEventDataByEventType(const char* uuid, unsigned long
     const std::vector<LumoEventData> list =
         lumo::getEventDataByEventType(kNoDevice, uuid, eventType, capacity, &status);
     return status == LUMO_RETURN_SUCCESS ? copyEvents(list, events, count) : status;
+  });
+}
+
+LumoReturn lumoEventCreate(LumoEvent** event) {
+  if (event == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return lumo::withoutThrowing([event] {
+    const std::shared_ptr<lumo::Library> library = lumo::currentLibrary();
+    if (library == nullptr) {
+      return LUMO_RETURN_UNKNOWN_ERROR;
+    }
+    *event = library->getEvents().add(std::make_shared<LumoEvent>());
+    return LUMO_RETURN_SUCCESS;
+  });
+}
+
+LumoReturn lumoEventDestroy(LumoEvent* event) {
+  if (event == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  const std::shared_ptr<lumo::Library> library = lumo::currentLibrary();
+  if (library == nullptr) {
+    return LUMO_RETURN_UNKNOWN_ERROR;
+  }
+  return library->getEvents().remove(event) ? LUMO_RETURN_SUCCESS : LUMO_RETURN_INVALID_ARGUMENT;
+}
+
+LumoReturn lumoEventRegister(LumoEvent* event, LumoDevice* device, unsigned long long eventTypes) {
+  if (device == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return onEvent(event, [=](lumo::Event& object) {
+    const std::shared_ptr<Device> registered = device->object.lock();
+    return registered == nullptr ? LUMO_RETURN_UNKNOWN_ERROR
+                                 : object.registerDevEvent(*registered, eventTypes);
+  });
+}
+
+LumoReturn lumoEventWait(LumoEvent* event, unsigned timeoutMs, LumoEventData* data) {
+  if (data == nullptr) {
+    return LUMO_RETURN_INVALID_ARGUMENT;
+  }
+  return onEvent(event, [=](lumo::Event& object) {
+    return object.setEventWait(std::chrono::milliseconds(timeoutMs), data);
   });
 }

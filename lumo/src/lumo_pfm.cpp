@@ -18,11 +18,11 @@ LumoReturn refuse(const char* reason) {
 }
 
 /// Whether two samples make metrics.
-LumoReturn checkSamples(const Library& library, const LumoPfmMetricsRequest& request) {
+LumoReturn checkSamples(Library& library, const LumoPfmMetricsRequest& request) {
   if (request.sample1 == request.sample2) {
     return refuse("sample1 equal to sample2");
   }
-  if (!library.knowsSample(request.sample1) || !library.knowsSample(request.sample2) ||
+  if (!library.getSamples().find(request.sample1) || !library.getSamples().find(request.sample2) ||
       request.sample1->counters == nullptr || request.sample2->counters == nullptr) {
     return refuse("pfm sample invalid");
   }
@@ -60,12 +60,10 @@ LumoReturn lumoPfmSampleAlloc(LumoPfmSample** sample) {
   if (library == nullptr) {
     return LUMO_RETURN_UNKNOWN_ERROR;
   }
-  try {
-    *sample = library->allocSample();
-  } catch (const std::bad_alloc&) {
-    return LUMO_RETURN_INSUFFICIENT_MEMORY;
-  }
-  return LUMO_RETURN_SUCCESS;
+  return lumo::withoutThrowing([&] {
+    *sample = library->getSamples().add(std::make_shared<LumoPfmSample>());
+    return LUMO_RETURN_SUCCESS;
+  });
 }
 
 LumoReturn lumoPfmSampleFree(LumoPfmSample* sample) {
@@ -76,7 +74,7 @@ LumoReturn lumoPfmSampleFree(LumoPfmSample* sample) {
   if (library == nullptr) {
     return LUMO_RETURN_UNKNOWN_ERROR;
   }
-  return library->freeSample(sample) ? LUMO_RETURN_SUCCESS : refuse("pfmSample has not been alloc");
+  return library->getSamples().remove(sample) ? LUMO_RETURN_SUCCESS : refuse("pfmSample has not been alloc");
 }
 
 LumoReturn lumoPfmSampleGet(LumoDevice* device, LumoPfmSample* sample) {
@@ -87,7 +85,7 @@ LumoReturn lumoPfmSampleGet(LumoDevice* device, LumoPfmSample* sample) {
   if (library == nullptr) {
     return LUMO_RETURN_UNKNOWN_ERROR;
   }
-  if (!library->knowsSample(sample)) {
+  if (!library->getSamples().find(sample)) {
     return refuse("pfmSample has not been alloc");
   }
   return lumo::runOperation(device, with(&Device::getPfmSample, sample));

@@ -12,8 +12,9 @@ constexpr size_t kMessageUuidAt = 8;
 constexpr size_t kMessageRecordAt = 24;
 constexpr uint64_t kEventTypeXid = 1;
 
-const std::vector<std::string_view> kRecordKeys{"xid",  "scope", "severity", "attributes",
-                                                "time", "pid",   "text",     "version"};
+// The last two are of the message around a record.
+const std::vector<std::string_view> kKeys{"xid", "scope", "severity", "attributes",    "time",
+                                          "pid", "text",  "version",  "message_types", "message_version"};
 
 void put(std::string& bytes, size_t offset, size_t width, uint64_t number) {
   for (size_t i = 0; i < width; ++i) bytes.at(offset + i) = static_cast<char>(number >> (8 * i));
@@ -53,7 +54,7 @@ std::string uuidBytes(const std::string& uuid) {
 }  // namespace
 
 std::string faultRecord(const JsonCursor& entry) {
-  entry.allowKeys(kRecordKeys);
+  entry.allowKeys(kKeys);
   std::string record(kRecordSize, '\0');
   const auto version = entry.find("version");
   const auto pid = entry.find("pid");
@@ -77,18 +78,21 @@ std::string faultRecordHeader() {
   return header;
 }
 
-std::string eventMessage(const std::string& uuid, const std::string& record) {
+std::string eventMessage(const std::string& uuid, const JsonCursor& entry) {
+  const std::string record = faultRecord(entry);
+  const auto types = entry.find("message_types");
+  const auto version = entry.find("message_version");
   std::string message(kMessageSize, '\0');
-  put(message, 0, 3, kEventTypeXid);
-  put(message, 3, 1, 1);
+  put(message, 0, 3, types ? types->whole(0, 0xFFFFFF) : kEventTypeXid);
+  put(message, 3, 1, version ? version->whole(0, 0xFF) : 1);
   message.replace(kMessageUuidAt, 16, uuidBytes(uuid));
   message.replace(kMessageRecordAt, record.size(), record);
   return message;
 }
 
 void checkEventKeys(const JsonCursor& gpu) {
-  checkRows(gpu, "xid_records", kRecordKeys);
-  checkRows(gpu, "events", kRecordKeys);
+  checkRows(gpu, "xid_records", kKeys);
+  checkRows(gpu, "events", kKeys);
 }
 
 void readEvents(const JsonCursor& gpu, Host& host, size_t index) {
@@ -99,7 +103,7 @@ void readEvents(const JsonCursor& gpu, Host& host, size_t index) {
   }
   if (const auto rows = gpu.find("events")) {
     for (const JsonCursor& entry : rows->elements()) {
-      function.events += eventMessage(function.uuid, faultRecord(entry));
+      function.events += eventMessage(function.uuid, entry);
     }
   }
 }

@@ -12,7 +12,7 @@ std::string faultRecord(const JsonCursor& entry);
 /// 32 bytes that a file of records begins with.
 std::string faultRecordHeader();
 /// 256 bytes, as an event queue gives them.
-std::string eventMessage(const std::string& uuid, const std::string& record);
+std::string eventMessage(const std::string& uuid, const JsonCursor& entry);
 
 /// "xid_records" and "events" of a GPU entry, whose function has its uuid.
 void readEvents(const JsonCursor& gpu, Host& host, size_t function);

@@ -27,7 +27,7 @@ namespace {
 constexpr const char* kUsage =
     "usage: ovgpu-sim-raise GPU XID [KEY=VALUE]...\n"
     "  GPU is the number of the folder in /proc/driver/vela; keys are those of \"events\" in a host:\n"
-    "  scope, severity, attributes, time, pid, text, version\n";
+    "  scope, severity, attributes, time, pid, text, version, message_types, message_version\n";
 
 std::string readFile(const fs::path& path) {
   std::ifstream stream(path, std::ios::binary);
@@ -91,14 +91,15 @@ void raise(const std::vector<std::string>& words) {
   const fs::path folder = fs::path(root) / "events" / ("gpu" + std::to_string(gpu.value_or(0)));
   if (!gpu || !fs::exists(folder)) throw HostError("the host has no GPU \"" + words.at(0) + "\"");
   const nlohmann::json entry = entryFrom(words);
-  const std::string record = faultRecord(JsonCursor(entry, "the command line"));
+  const JsonCursor event(entry, "the command line");
   const std::string uuid = readFile(folder / "uuid");
+  const std::string message = eventMessage(uuid, event);
   const int lock = open(folder.c_str(), O_RDONLY | O_CLOEXEC);
   flock(lock, LOCK_EX);
   for (const auto& file : fs::directory_iterator(folder)) {
-    if (file.path().extension() == ".queue") putInto(file.path(), eventMessage(uuid, record));
+    if (file.path().extension() == ".queue") putInto(file.path(), message);
   }
-  appendRecord(fs::path(root) / "tree", uuid, record);
+  appendRecord(fs::path(root) / "tree", uuid, faultRecord(event));
   close(lock);
 }
 

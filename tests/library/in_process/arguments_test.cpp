@@ -92,6 +92,8 @@ class ArgumentsTest : public LumoFixture {
   LumoEventData event_{};
   LumoPfmSample sample_{};
   LumoPfmSample* sampleOut_ = nullptr;
+  LumoEvent foreignEvent_;  ///< none of the library's
+  LumoEvent* eventOut_ = nullptr;
   LumoLogConfiguration log_configuration_{};
 };
 
@@ -282,6 +284,10 @@ std::vector<Row> ArgumentsTest::rows() {
       WITHOUT_HANDLE(lumoDeviceFreeVpu, &vpu_),
       WITHOUT_HANDLE(lumoDeviceFreeVirtDevice, &device_),
       WITHOUT_HANDLE(lumoGetTargetUuidEventDataByEventType, "uuid", 1, &event_, 1, &number_),
+      WITHOUT_HANDLE(lumoEventCreate, &eventOut_),
+      WITHOUT_HANDLE(lumoEventDestroy, &foreignEvent_),
+      WITHOUT_HANDLE(lumoEventRegister, &foreignEvent_, &device_, LUMO_EVENT_XID),
+      WITHOUT_HANDLE(lumoEventWait, &foreignEvent_, 0, &event_),
       WITHOUT_HANDLE(lumoPfmSampleAlloc, &sampleOut_),
       WITHOUT_HANDLE(lumoPfmSampleFree, &sample_),
       WITHOUT_HANDLE(lumoPfmMetricsGet, nullptr),
@@ -336,6 +342,8 @@ TEST_F(ArgumentsTest, AHandleWhoseObjectIsGoneAnswers999) {
   }
   ASSERT_EQ(lumoPfmSampleAlloc(&sampleOut_), LUMO_RETURN_SUCCESS);
   EXPECT_EQ(lumoPfmSampleGet(&device_, sampleOut_), LUMO_RETURN_UNKNOWN_ERROR);
+  ASSERT_EQ(lumoEventCreate(&eventOut_), LUMO_RETURN_SUCCESS);
+  EXPECT_EQ(lumoEventRegister(eventOut_, &device_, LUMO_EVENT_XID), LUMO_RETURN_UNKNOWN_ERROR);
   EXPECT_STREQ(text_, "before");
   EXPECT_EQ(number_, 99U);
   EXPECT_EQ(wide_, 99U);

@@ -173,6 +173,19 @@ TEST_F(NoMemoryTest, ASampleThatCannotBeMadeIsRefused) {
   EXPECT_EQ(lumoPfmSampleAlloc(&sample), LUMO_RETURN_SUCCESS);
 }
 
+TEST_F(NoMemoryTest, AnEventThatCannotBeMadeIsRefused) {
+  mustStart();
+  LumoEvent* event = nullptr;
+  for (const int room : {0, 1}) {
+    allowance = room;
+    const LumoReturn status = lumoEventCreate(&event);
+    allowance = -1;
+    EXPECT_EQ(status, LUMO_RETURN_INSUFFICIENT_MEMORY);
+    EXPECT_EQ(event, nullptr);
+  }
+  EXPECT_EQ(lumoEventCreate(&event), LUMO_RETURN_SUCCESS);
+}
+
 TEST_F(NoMemoryTest, ALibraryThatCannotBeMadeIsRefused) {
   addGpu(0);
   for (const int room : {0, 1}) {
