@@ -13,7 +13,7 @@ enum class ExitCode : std::int32_t {
   kEnumerationFailed = 4,
   kBadArgument = 5,
   kQueryFailed = 6,
-  kFileFailed = 7,  ///< a file to write to cannot be opened
+  kFileFailed = 7,  ///< a file cannot be opened or written to
   kDriverNotLoaded = 8,
   kNoPermission = 9,
   kOperationFailed = 255,
