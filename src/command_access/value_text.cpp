@@ -43,7 +43,7 @@ std::string localTimeMsText(std::chrono::system_clock::time_point time) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
   const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(time - seconds).count();
   std::array<char, 5> fraction;
-  std::snprintf(fraction.data(), fraction.size(), ".%03d", static_cast<int>(milliseconds % 1000));
+  std::snprintf(fraction.data(), fraction.size(), ".%03u", static_cast<unsigned>(milliseconds) % 1000);
   return localTimeText(std::chrono::system_clock::to_time_t(seconds)) + fraction.data();
 }
 
