@@ -11,6 +11,12 @@
 #include "command_access/query_gpu_command_access.h"
 #include "command_access/query_gpu_help_command_access.h"
 #include "command_access/retired_page_command_access.h"
+#include "command_access/sablink_capabilities_command_access.h"
+#include "command_access/sablink_err_counter_reset_command_access.h"
+#include "command_access/sablink_error_counters_command_access.h"
+#include "command_access/sablink_layout_command_access.h"
+#include "command_access/sablink_remote_link_info_command_access.h"
+#include "command_access/sablink_status_command_access.h"
 #include "command_access/tolk_command_access.h"
 #include "command_access/version_command_access.h"
 #include "value_pattern.h"
@@ -84,12 +90,14 @@ constexpr CommandFactory kDecoderSessionsCommand{.make = getFn<DecoderSessionsCo
                                                  .loopUnitMs = kSeconds};
 constexpr CommandFactory kMpcCommand{};
 constexpr CommandFactory kResetGpuCommand{};
-constexpr CommandFactory kSablinkStatusCommand{};
-constexpr CommandFactory kSablinkCapabilitiesCommand{};
-constexpr CommandFactory kSablinkRemoteLinkInfoCommand{};
-constexpr CommandFactory kSablinkLayoutCommand{};
-constexpr CommandFactory kSablinkErrorCountersCommand{.splitsIds = true};
-constexpr CommandFactory kSablinkErrCounterResetCommand{.splitsIds = true};
+constexpr CommandFactory kSablinkStatusCommand{.make = getFn<SablinkStatusCommandAccess>};
+constexpr CommandFactory kSablinkCapabilitiesCommand{.make = getFn<SablinkCapabilitiesCommandAccess>};
+constexpr CommandFactory kSablinkRemoteLinkInfoCommand{.make = getFn<SablinkRemoteLinkInfoCommandAccess>};
+constexpr CommandFactory kSablinkLayoutCommand{.make = getFn<SablinkLayoutCommandAccess>};
+constexpr CommandFactory kSablinkErrorCountersCommand{.make = getFn<SablinkErrorCountersCommandAccess>,
+                                                      .splitsIds = true};
+constexpr CommandFactory kSablinkErrCounterResetCommand{.make = getFn<SablinkErrCounterResetCommandAccess>,
+                                                        .splitsIds = true};
 constexpr CommandFactory kProcessMonitorCommand{.make = getFn<ProcessMonitorCommandAccess>,
                                                 .loopUnitMs = kSeconds};
 constexpr CommandFactory kEccConfigCommand{.splitsIds = true};

@@ -78,12 +78,14 @@ std::shared_ptr<Step> CommandAccessBase::listDevices(const StartWording& wording
   return orderDevices(wording, count, indices);
 }
 
+std::shared_ptr<LumoAccessDevice> CommandAccessBase::deviceAt(std::int64_t index) const {
+  if (index > std::numeric_limits<std::uint32_t>::max()) return nullptr;
+  return accessFactory->getAccessDeviceById(static_cast<std::uint32_t>(index));
+}
+
 std::shared_ptr<Step> CommandAccessBase::findDevice(std::uint32_t& index) const {
   const std::int64_t asked = std::strtol(options.at("-i").front().c_str(), nullptr, 10);
-  if (asked > std::numeric_limits<std::uint32_t>::max() ||
-      !accessFactory->getAccessDeviceById(static_cast<std::uint32_t>(asked))) {
-    return noSuchDevice(asked);
-  }
+  if (!deviceAt(asked)) return noSuchDevice(asked);
   index = static_cast<std::uint32_t>(asked);
   return nullptr;
 }

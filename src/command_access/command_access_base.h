@@ -10,6 +10,7 @@
 
 namespace tolk {
 
+class LumoAccessDevice;
 class LumoAccessFactory;
 
 /// What a command says when a step of its start fails, and the exit status.
@@ -58,6 +59,9 @@ class CommandAccessBase : public Step {
 
   /// Counts the devices and puts them in display order.
   std::shared_ptr<Step> listDevices(const StartWording& wording, std::vector<std::uint32_t>& indices) const;
+
+  /// The device that the user asked for by index; null when there is none.
+  std::shared_ptr<LumoAccessDevice> deviceAt(std::int64_t index) const;
 
   /// The device that "-i" names first; other ones behind it do not count.
   std::shared_ptr<Step> findDevice(std::uint32_t& index) const;
