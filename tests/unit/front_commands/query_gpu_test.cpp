@@ -174,7 +174,8 @@ TEST_F(QueryGpuTest, ValueThatCannotBeReadIsNoneAndIsLogged) {
     log_.lines.clear();
     fakeLumo().fail(row.call, {LUMO_RETURN_BUSY});
     EXPECT_EQ(printed(row.field), "N/A\n") << row.field;
-    EXPECT_THAT(log_.of('E'), Contains(MatchesRegex(std::string("\\w+ >> thread  [0-9]+  ") + row.words + " ")))
+    EXPECT_THAT(log_.of('E'),
+                Contains(MatchesRegex(std::string("\\w+ >> thread  [0-9]+  ") + row.words + " ")))
         << row.field;
   }
 }
@@ -196,9 +197,10 @@ TEST_F(QueryGpuTest, ValuesHaveTheirUnits) {
   fakeLumo().set("lumoGpuGetClock", 1u);
   fakeLumo().set("lumoMemoryGetClock", 2u);
   fakeLumo().set("lumoVpuGetClock", 4294967295u);
-  EXPECT_EQ(printed("memory.total,memory.used,memory.free,utilization.gpu,utilization.memory,temperature.gpu,"
-                    "power.draw,clocks.current.gpu,clocks.current.memory,clocks.current.vpu"),
-            "4096 [MiB], 96 [MiB], 3999 [MiB], 7 [%], 8 [%], -9, 42.13 [W], 1 [MHz], 2 [MHz], 4294967295 [MHz]\n");
+  EXPECT_EQ(
+      printed("memory.total,memory.used,memory.free,utilization.gpu,utilization.memory,temperature.gpu,"
+              "power.draw,clocks.current.gpu,clocks.current.memory,clocks.current.vpu"),
+      "4096 [MiB], 96 [MiB], 3999 [MiB], 7 [%], 8 [%], -9, 42.13 [W], 1 [MHz], 2 [MHz], 4294967295 [MHz]\n");
 }
 
 TEST_F(QueryGpuTest, NothingIsFreeWhereMoreIsUsedThanThereIs) {
@@ -235,7 +237,8 @@ TEST(QueryGpuOutput, ColumnNamesArePrintedOnceInAProcess) {
 }
 
 TEST(QueryGpuOutput, MemberThatIsNoTextIsAFault) {
-  EXPECT_THROW(QueryGpuOutput(Json::parse(R"([{"index": 0}])"), {"index"}, false).work(), nlohmann::json::type_error);
+  EXPECT_THROW(QueryGpuOutput(Json::parse(R"([{"index": 0}])"), {"index"}, false).work(),
+               nlohmann::json::type_error);
 }
 
 TEST(QueryGpuFields, AreFoundByTheirWholeName) {
