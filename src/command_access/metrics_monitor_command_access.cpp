@@ -1,6 +1,7 @@
 #include "command_access/metrics_monitor_command_access.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,6 @@
 #include "command_access/retired_page_command_access.h"
 
+#include <array>
 #include <cstdio>
 #include <ctime>
 #include <numeric>
