@@ -35,6 +35,7 @@ class OldAccessPointTest : public tolk_test::HostTree {
         return 0;
       }
       EXPECT_EQ(command, 0x08U);
+      efuseForm_ = (get<std::uint64_t>(r, 0) >> 45) & 0xFF;
       put<std::uint32_t>(r, 12, startBit_);
       put<std::uint32_t>(r, 16, 1024);
       for (const auto& [word, bits] : words_) {
@@ -60,17 +61,20 @@ class OldAccessPointTest : public tolk_test::HostTree {
   std::vector<std::pair<std::size_t, std::uint32_t>> words_{
       {7, 0x3456789A}, {8, 0x556AF012}, {14, 0x02000030}};
   int efuseError_ = 0;
+  std::uint64_t efuseForm_ = 0;  ///< length value of the last command for the identity
 };
 
 TEST_F(OldAccessPointTest, UuidComesFromTheIdentityThatTheControllerReads) {
   EXPECT_EQ(uuidOf(DevArch::kFen1), kChipUuid);
   EXPECT_EQ(uuidOf(DevArch::kFen2), kChipUuid);
+  EXPECT_EQ(efuseForm_, 0x23U);
 }
 
 TEST_F(OldAccessPointTest, FirstFamilyAnswersFromItsFirstBit) {
   startBit_ = 0;
   words_ = {{8, 0x3456789A}, {9, 0x556AF012}, {10, 0x70100000}};
   EXPECT_EQ(uuidOf(DevArch::kWold), kChipUuid);
+  EXPECT_EQ(efuseForm_, 0x0EU) << "the family is known before the first command";
 }
 
 TEST_F(OldAccessPointTest, LastFamilyHasNoIdentityThere) {
