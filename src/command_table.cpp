@@ -18,6 +18,7 @@
 #include "command_access/sablink_remote_link_info_command_access.h"
 #include "command_access/sablink_status_command_access.h"
 #include "command_access/tolk_command_access.h"
+#include "command_access/topo_command_access.h"
 #include "command_access/version_command_access.h"
 #include "value_pattern.h"
 
@@ -83,7 +84,7 @@ constexpr CommandFactory kHelpCommand{.make = getFn<HelpCommandAccess>};
 constexpr CommandFactory kVersionCommand{.make = getFn<VersionCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kQueryCommand{.make = getFn<QueryCommandAccess>, .loopUnitMs = kSeconds};
 constexpr CommandFactory kVgpuCommand{.loopUnitMs = kSeconds};
-constexpr CommandFactory kTopoCommand{};
+constexpr CommandFactory kTopoCommand{.make = getFn<TopoCommandAccess>};
 constexpr CommandFactory kEncoderSessionsCommand{.make = getFn<EncoderSessionsCommandAccess>,
                                                  .loopUnitMs = kSeconds};
 constexpr CommandFactory kDecoderSessionsCommand{.make = getFn<DecoderSessionsCommandAccess>,
