@@ -1,13 +1,16 @@
 #!/usr/bin/env python3
 """Fails every access of a command to its host in turn: each ioctl and each file.
 
-usage: sweep.py --tool FILE --simulator FILE [--by-turns] HOST [ARGUMENT...]
+usage: sweep.py --tool FILE --simulator FILE [--by-turns] [--beyond=COMMAND] HOST [ARGUMENT...]
 
 A clean run tells the accesses. Every one of them then fails in a run of its own, the first of each kind in
-every way that there is, those after it in one of the ways by turns; with --by-turns the first ones too.
+every way that there is, those after it in one of the ways by turns; with --by-turns the first ones too. With --beyond those are left
+out that the command begins with as another one does, which has a sweep of its own.
 """
 import argparse
+import os.path
 import pathlib
+import shlex
 import sys
 import tempfile
 
@@ -51,9 +54,9 @@ def accesses(trace):
         yield f"file({path})#{counts[path]}", path, ways
 
 
-def faults(trace, by_turns):
+def faults(all_accesses, begin, by_turns):
     seen = set()
-    for number, (target, kind, ways) in enumerate(accesses(trace)):
+    for number, (target, kind, ways) in enumerate(all_accesses[begin:]):
         every = kind not in seen and not by_turns
         seen.add(kind)
         for way in ways if every else ways[number % len(ways):][:1]:
@@ -70,6 +73,7 @@ def main():
     parser.add_argument("--tool", required=True)
     parser.add_argument("--simulator", required=True)
     parser.add_argument("--by-turns", action="store_true")
+    parser.add_argument("--beyond", type=shlex.split)
     parser.add_argument("host")
     parser.add_argument("arguments", nargs=argparse.REMAINDER)
     given = parser.parse_args()
@@ -78,14 +82,21 @@ def main():
     with tempfile.TemporaryDirectory(prefix="tolk-faults-") as name:
         state = ["--state", name + "/host"]
         trace = pathlib.Path(name, "trace")
-        clean = simulated.run(given.host, given.arguments, [*state, "--trace", str(trace)])
-        if clean.status != 0 or clean.complaints():
-            print("without a fault: " + clean.told([f"status {clean.status}", *clean.complaints()]))
-            return 1
 
+        def traced(arguments):
+            trace.unlink(missing_ok=True)
+            run = simulated.run(given.host, arguments, [*state, "--trace", str(trace)])
+            if run.status != 0 or run.complaints():
+                sys.exit("without a fault: " + run.told([f"status {run.status}", *run.complaints()]))
+            return run, list(accesses(trace))
+
+        clean, all_accesses = traced(given.arguments)
+        begin = 0
+        if given.beyond:
+            begin = len(os.path.commonprefix([all_accesses, traced(given.beyond)[1]]))
         failures = []
         changed = 0
-        tried = list(faults(trace, given.by_turns))
+        tried = list(faults(all_accesses, begin, given.by_turns))
         for fault in tried:
             run = simulated.run(given.host, given.arguments, [*state, "--fault", fault])
             complaints = run.complaints()
@@ -97,9 +108,9 @@ def main():
         again = simulated.run(given.host, given.arguments, state)
         if (again.status, again.out, again.err) != (0, clean.out, b""):
             failures.append(again.told(["not what it was before the faults:", again.out.decode(errors="replace")]))
-    print(f"{len(tried)} faults, {changed} of them seen in the output")
+    print(f"{len(tried)} faults behind the first {begin} accesses, {changed} of them seen in the output")
     # Faults that strike nothing would prove nothing.
-    if changed * 4 < len(tried):
+    if changed * 4 < max(len(tried), 1):
         failures.append("most faults had no effect: are they where the accesses are?")
     for failure in failures:
         print("\n" + failure)
