@@ -2,9 +2,11 @@
 
 #include <unistd.h>
 
+#include <atomic>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "in_process/lumo_fixture.h"
 
@@ -102,6 +104,56 @@ TEST_F(EventRecordsTest, AnotherVersionIsRefused) {
   EXPECT_EQ(read(1), Xids{});
   EXPECT_EQ(status_, LUMO_RETURN_UNKNOWN_ERROR);
   EXPECT_TRUE(log_.has(LogLevel::kError, "xid header version is 2 current xid msg version is  1 "));
+}
+
+TEST_F(EventRecordsTest, AFileThatIsCutAnywhereGivesWholeRecordsOrNone) {
+  constexpr std::size_t kHeader = 32;
+  constexpr std::size_t kRecord = sizeof(LumoXidRecord);
+  write(3);
+  for (std::size_t size = 400 + 1; size-- > 0;) {
+    std::filesystem::resize_file(path_, size);
+    const bool whole = size >= kHeader && (size - kHeader) % kRecord == 0;
+    Xids expected;
+    if (whole && size >= kHeader + kRecord) expected.push_back(0);
+    if (whole && size >= kHeader + 2 * kRecord) expected.push_back(1);
+    EXPECT_EQ(read(500), expected) << size;
+    EXPECT_EQ(status_, whole ? LUMO_RETURN_SUCCESS : LUMO_RETURN_UNKNOWN_ERROR) << size;
+  }
+}
+
+TEST_F(EventRecordsTest, OfAnEndlessFileOnlyTheWantedRecordsAreRead) {
+  write(2);
+  std::filesystem::resize_file(path_, 2ULL << 30);
+  EXPECT_EQ(read(500).size(), 500U);
+  EXPECT_EQ(status_, LUMO_RETURN_SUCCESS);
+}
+
+TEST_F(EventRecordsTest, AFileThatIsReplacedWhileItIsReadGivesOneOrTheOther) {
+  const std::filesystem::path other = path_.string() + ".new";
+  std::atomic<bool> done = false;
+  write(2);
+  std::thread daemon([&] {
+    for (unsigned turn = 0; !done; ++turn) {
+      std::filesystem::copy_file(path_, other, std::filesystem::copy_options::overwrite_existing);
+      std::filesystem::resize_file(other, 32 + (turn % 3) * sizeof(LumoXidRecord));
+      std::filesystem::rename(other, path_);
+    }
+  });
+  for (int i = 0; i < 300; ++i) {
+    EXPECT_LE(read(500).size(), 2U);
+    EXPECT_EQ(status_, LUMO_RETURN_SUCCESS);
+  }
+  done = true;
+  daemon.join();
+}
+
+TEST_F(EventRecordsTest, AFileThatCannotBeOpenedIsNamed) {
+  write(1);
+  path_ /= "xid_records";
+  EXPECT_EQ(read(1), Xids());
+  EXPECT_EQ(status_, LUMO_RETURN_UNKNOWN_ERROR);
+  EXPECT_TRUE(log_.has(LogLevel::kError, "failed to open " + path_.string()));
+  path_ = path_.parent_path();
 }
 
 TEST_F(EventRecordsTest, AFolderIsNoFile) {
