@@ -60,7 +60,9 @@ std::shared_ptr<Step> CommandAccessBase::startLibrary() {
 
 std::shared_ptr<Step> CommandAccessBase::countDevices(const StartWording& wording,
                                                       std::uint32_t& count) const {
-  if (accessFactory->getAccessLibrary()->getAccessDeviceNum(count) != LUMO_RETURN_SUCCESS) {
+  const LumoReturn ret = accessFactory->getAccessLibrary()->getAccessDeviceNum(count);
+  if (ret != LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kError) << "lumoLibraryCountDevice() failed, ret = " << ret;
     return failed(wording.noCount);
   }
   return count == 0 ? failed(wording.noDevice) : nullptr;

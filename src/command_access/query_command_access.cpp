@@ -51,7 +51,8 @@ std::shared_ptr<Step> QueryCommandAccess::work() {
   Json document;
   document["Timestamp"] = timestampText();
   std::string driverVersion = kNoValue;
-  accessFactory->getAccessSystem()->getDriverVersion(driverVersion);
+  const LumoReturn ret = accessFactory->getAccessSystem()->getDriverVersion(driverVersion);
+  if (ret != LUMO_RETURN_SUCCESS) TOLK_LOG(kError) << "lumoSystemGetDriverVersion() failed, ret = " << ret;
   document["Driver Version"] = driverVersion;
   std::uint32_t count = 0;
   if (auto failure = countDevices(StartWording{}, count)) return failure;
