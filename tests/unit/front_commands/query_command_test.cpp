@@ -541,9 +541,8 @@ TEST_F(QueryCommandTest, FailsWhenADeviceIsLostBeforeItsReport) {
 TEST_F(QueryCommandTest, GoesOnWithoutADriverVersion) {
   failAlways("lumoSystemGetDriverVersion");
   EXPECT_EQ(reportOf(run("FAN")).at("Driver Version"), "N/A");
-  EXPECT_THAT(log_.of('E'),
-              ElementsAre("getDriverVersion >> lumoSystemGetDriverVersion () failed, ret =  7 ",
-                          "work >> lumoSystemGetDriverVersion() failed, ret =  7 "));
+  EXPECT_THAT(log_.of('E'), ElementsAre("getDriverVersion >> lumoSystemGetDriverVersion () failed, ret =  7 ",
+                                        "work >> lumoSystemGetDriverVersion() failed, ret =  7 "));
 }
 
 TEST_F(QueryCommandTest, TheFirstIndexOfAListIsReportedAlone) {
