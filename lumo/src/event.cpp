@@ -59,11 +59,11 @@ int pollTime(Clock::duration left) {
 Event::Event()
     : startTime_(std::chrono::duration_cast<milliseconds>(
           std::chrono::system_clock::now().time_since_epoch())),
-      poller_(::epoll_create1(EPOLL_CLOEXEC)),
-      fileOfNode_(findEventFiles()) {
+      poller_(::epoll_create1(EPOLL_CLOEXEC)) {
   if (poller_ < 0) {
     KELP_LOG(kError) << "poller create error code is" << errno;
   }
+  fileOfNode_ = findEventFiles();
 }
 
 Event::~Event() {

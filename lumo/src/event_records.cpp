@@ -1,5 +1,6 @@
 #include "event_records.h"
 
+#include <filesystem>
 #include <fstream>
 #include <ranges>
 
@@ -35,8 +36,11 @@ const char* eventFileName(unsigned long long eventType) {
 
 std::vector<LumoXidRecord> readXidRecords(const std::string& path, unsigned int count, LumoReturn* status) {
   *status = LUMO_RETURN_UNKNOWN_ERROR;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
+  // Opening a pipe would wait for someone to write to it.
+  std::error_code error;
+  std::ifstream file;
+  if (std::filesystem::is_regular_file(path, error)) file.open(path, std::ios::binary);
+  if (!file.is_open()) {
     KELP_LOG(kError) << "failed to open" << path;
     return {};
   }

@@ -1,5 +1,7 @@
 #include "event_records.h"
 
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -8,6 +10,7 @@
 #include <fstream>
 #include <thread>
 
+#include "event.h"
 #include "in_process/lumo_fixture.h"
 
 // The faults that were stored.
@@ -161,6 +164,13 @@ TEST_F(EventRecordsTest, AFolderIsNoFile) {
   EXPECT_EQ(status_, LUMO_RETURN_UNKNOWN_ERROR);
 }
 
+TEST_F(EventRecordsTest, APipeThatNobodyWritesToIsNotWaitedFor) {
+  ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_EQ(read(1), Xids());
+  EXPECT_EQ(status_, LUMO_RETURN_UNKNOWN_ERROR);
+  EXPECT_TRUE(log_.has(LogLevel::kError, "failed to open " + path_.string()));
+}
+
 TEST_F(EventRecordsTest, OnlyOneKindOfEventIsKnown) {
   LumoEventData event{};
   unsigned count = 99;
@@ -181,6 +191,19 @@ TEST_F(EventRecordsTest, ADeviceAsksForItsOwnFile) {
   EXPECT_TRUE(log_.has(LogLevel::kInfo, "event type 1  wanted count 7 "));
   EXPECT_TRUE(log_.has(LogLevel::kInfo, "device  0 query event 1 "));
   EXPECT_TRUE(log_.has(LogLevel::kError, "failed to open /var/log/ovgpu/event_report/uuid-0/xid_records"));
+}
+
+TEST_F(EventRecordsTest, AnEventThatCannotBeWaitedOnIsToldInTheLog) {
+  rlimit most{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &most), 0);
+  const rlimit none{0, most.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  lumo::Event event;
+  EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &most), 0);
+  EXPECT_TRUE(log_.has(LogLevel::kError, "poller create error code is 24"));
+  LumoEventData data{};
+  EXPECT_EQ(event.setEventWait(std::chrono::milliseconds(0), &data), LUMO_RETURN_UNKNOWN_ERROR);
+  EXPECT_TRUE(log_.has(LogLevel::kError, "epoll_wait error str:  Bad file descriptor  errno:  9"));
 }
 
 TEST_F(EventRecordsTest, WholeGpusReportFaults) {
