@@ -44,13 +44,14 @@ int main(int argc, char **argv) {
   }
   printf("listening to %u GPUs\n", listenToAll(library, event));
   fflush(stdout);
-  for (long seen = 0; wanted < 0 || seen < wanted;) {
+  for (long seen = 0; (wanted < 0 || seen < wanted) && status != LUMO_RETURN_UNKNOWN_ERROR;) {
     LumoEventData fault;
-    if (lumoEventWait(event, WAIT_MS, &fault) == LUMO_RETURN_SUCCESS) {
+    status = lumoEventWait(event, WAIT_MS, &fault);
+    if (status == LUMO_RETURN_SUCCESS) {
       printFault(&fault);
       ++seen;
     }
   }
   lumoLibraryShutDown(library);
-  return EXIT_SUCCESS;
+  return status == LUMO_RETURN_UNKNOWN_ERROR ? EXIT_FAILURE : EXIT_SUCCESS;
 }
