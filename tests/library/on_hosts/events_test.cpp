@@ -163,6 +163,46 @@ TEST_F(BareHostEvents, EventEndsWithTheLibrary) {
   EXPECT_EQ(lumoEventWait(left, kShortMs, &data_), LUMO_RETURN_INVALID_ARGUMENT);
 }
 
+/// Lines of the library's log, as long as this lives.
+class LogLines {
+ public:
+  LogLines() {
+    EXPECT_EQ(lumoLibraryGetLogConfiguration(&former_), LUMO_RETURN_SUCCESS);
+    LumoLogConfiguration all = former_;
+    all.callbackLevel = 4;
+    all.callback = [](const char* message, unsigned length) { lines_.append(message, length); };
+    lines_.clear();
+    EXPECT_EQ(lumoLibrarySetLogConfiguration(&all), LUMO_RETURN_SUCCESS);
+  }
+  ~LogLines() { EXPECT_EQ(lumoLibrarySetLogConfiguration(&former_), LUMO_RETURN_SUCCESS); }
+
+  static bool has(const std::string& text) { return lines_.find(text) != std::string::npos; }
+
+ private:
+  inline static std::string lines_;
+  LumoLogConfiguration former_{};
+};
+
+TEST_F(BareHostEvents, RegisteringIsToldInTheLog) {
+  const LogLines log;
+  ASSERT_EQ(listen(1), LUMO_RETURN_SUCCESS);
+  EXPECT_TRUE(log.has(">> get device index 1 "));
+  EXPECT_TRUE(log.has(">> event file handle fd is "));
+  EXPECT_TRUE(log.has(">> device index 1 file fd is "));
+  EXPECT_TRUE(log.has(" event type is 1 "));
+}
+
+TEST_F(BareHostEvents, MessageOfAnotherVersionIsToldInTheLog) {
+  ASSERT_EQ(listen(0), LUMO_RETURN_SUCCESS);
+  raise("0 31 message_version=2");
+  raise("0 32 version=3");
+  const LogLines log;
+  EXPECT_EQ(wait(), LUMO_RETURN_INVALID_ARGUMENT);
+  EXPECT_TRUE(log.has(">> current remote event version is 2 local event version is 1 "));
+  EXPECT_EQ(wait(), LUMO_RETURN_INVALID_ARGUMENT);
+  EXPECT_TRUE(log.has(">> current local xid event struct version is  1 remote struct version is 3 "));
+}
+
 /// Interrupts whatever the program does, again and again, while it lives.
 class Interruptions {
  public:
