@@ -6,7 +6,7 @@ import subprocess
 
 # As the tool's own, so that a sanitizer's report is told from it.
 SANITIZER_STATUS = 99
-STATUSES = {0, 1, 2, 3, 4, 5, 6, 8}
+STATUSES = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 255}
 ABORTED = 134
 TIME_LIMIT = 30
 
