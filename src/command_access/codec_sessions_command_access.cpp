@@ -1,6 +1,5 @@
 #include "command_access/codec_sessions_command_access.h"
 
-#include <numeric>
 #include <string>
 #include <utility>
 
@@ -24,8 +23,10 @@ std::shared_ptr<Step> CodecSessionsCommandAccess::work() {
                         ExitCode::kUnsupported);
   }
   if (auto failure = startLibrary()) return failure;
+  std::uint32_t count = 0;
+  if (auto failure = countDevices(StartWording{}, count)) return failure;
   std::vector<std::uint32_t> indices;
-  if (auto failure = selectDevices(indices)) return failure;
+  if (auto failure = findDevices(count, indices)) return failure;
 
   auto document = nlohmann::ordered_json::object();
   for (const auto index : indices) {
@@ -35,18 +36,6 @@ std::shared_ptr<Step> CodecSessionsCommandAccess::work() {
   }
   endLibrary();
   return std::make_shared<CodecSessionOutput>(std::move(document));
-}
-
-std::shared_ptr<Step> CodecSessionsCommandAccess::selectDevices(std::vector<std::uint32_t>& indices) const {
-  std::uint32_t count = 0;
-  if (auto failure = countDevices(StartWording{}, count)) return failure;
-  if (hasOption("-i")) {
-    indices.resize(1);
-    return findDevice(indices.front());
-  }
-  indices.resize(count);
-  std::iota(indices.begin(), indices.end(), 0u);
-  return nullptr;
 }
 
 LumoReturn CodecSessionsCommandAccess::querySessions(std::uint32_t index,

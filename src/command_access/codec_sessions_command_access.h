@@ -25,9 +25,6 @@ class CodecSessionsCommandAccess : public CommandAccessBase {
   CodecSessionsCommandAccess(ParsedOptions parsedOptions, const CodecSessions& kind);
 
  private:
-  /// The device of "-i", or all in index order. Null, or the step that reports the failure.
-  std::shared_ptr<Step> selectDevices(std::vector<std::uint32_t>& indices) const;
-
   /// Fills the device's member; a device without active sessions gets none.
   LumoReturn querySessions(std::uint32_t index, nlohmann::ordered_json& document) const;
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 #include "command_access/lumo_access/lumo_access_factory.h"
@@ -89,6 +90,17 @@ std::shared_ptr<Step> CommandAccessBase::findDevice(std::uint32_t& index) const 
   const std::int64_t asked = std::strtol(options.at("-i").front().c_str(), nullptr, 10);
   if (!deviceAt(asked)) return noSuchDevice(asked);
   index = static_cast<std::uint32_t>(asked);
+  return nullptr;
+}
+
+std::shared_ptr<Step> CommandAccessBase::findDevices(std::uint32_t count,
+                                                     std::vector<std::uint32_t>& indices) const {
+  if (hasOption("-i")) {
+    indices.resize(1);
+    return findDevice(indices.front());
+  }
+  indices.resize(count);
+  std::iota(indices.begin(), indices.end(), 0u);
   return nullptr;
 }
 

@@ -66,6 +66,9 @@ class CommandAccessBase : public Step {
   /// The device that "-i" names first; other ones behind it do not count.
   std::shared_ptr<Step> findDevice(std::uint32_t& index) const;
 
+  /// The device that "-i" names first, or without it all devices in the library's order.
+  std::shared_ptr<Step> findDevices(std::uint32_t count, std::vector<std::uint32_t>& indices) const;
+
   /// The failure of a device that was asked for by index. A script reads the number as 32 bits.
   static std::shared_ptr<Step> noSuchDevice(std::int64_t index);
 

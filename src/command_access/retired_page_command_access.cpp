@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
-#include <numeric>
 #include <string>
 
 #include "command_access/lumo_access/lumo_access_factory.h"
@@ -79,7 +78,7 @@ std::shared_ptr<Step> RetiredPageCommandAccess::work() {
   Fields fields;
   if (auto failure = selectFields(options.at("-qrp").front(), kFields, fields)) return failure;
   std::vector<std::uint32_t> indices;
-  if (auto failure = selectDevices(count, indices)) return failure;
+  if (auto failure = findDevices(count, indices)) return failure;
 
   auto document = Json::array();
   for (const auto index : indices) {
@@ -90,17 +89,6 @@ std::shared_ptr<Step> RetiredPageCommandAccess::work() {
     }
   }
   return std::make_shared<RetiredPageOutput>(std::move(document));
-}
-
-std::shared_ptr<Step> RetiredPageCommandAccess::selectDevices(std::uint32_t count,
-                                                              std::vector<std::uint32_t>& indices) const {
-  if (hasOption("-i")) {
-    indices.resize(1);
-    return findDevice(indices.front());
-  }
-  indices.resize(count);
-  std::iota(indices.begin(), indices.end(), 0u);
-  return nullptr;
 }
 
 LumoReturn RetiredPageCommandAccess::queryRetiredPage(const LumoAccessDevice& device, const Fields& fields,

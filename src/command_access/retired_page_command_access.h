@@ -21,9 +21,6 @@ class RetiredPageCommandAccess : public CommandAccessBase {
  private:
   using Fields = std::vector<const RetiredPageField*>;
 
-  /// The device of "-i", or all in index order. Null, or the step that reports the failure.
-  std::shared_ptr<Step> selectDevices(std::uint32_t count, std::vector<std::uint32_t>& indices) const;
-
   /// Appends an object for each page of the device; a device without pages has one too.
   static LumoReturn queryRetiredPage(const LumoAccessDevice& device, const Fields& fields,
                                      nlohmann::ordered_json& document);
