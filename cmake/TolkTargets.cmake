@@ -41,6 +41,19 @@ function(tolk_library name)
   tolk_common(${name})
 endfunction()
 
+# What most sources of a library read anyway, read once. A source still includes what it uses.
+function(tolk_precompile name)
+  target_precompile_headers(${name} PRIVATE
+    <algorithm>
+    <functional>
+    <memory>
+    <string>
+    <unordered_map>
+    <vector>
+    ${ARGN}
+  )
+endfunction()
+
 # An executable of this project; the release preset links the C++ runtime statically, because
 # finding and relocating it is most of what a short run costs.
 function(tolk_executable name)

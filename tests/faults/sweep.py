@@ -92,7 +92,7 @@ def main():
 
         clean, all_accesses = traced(given.arguments)
         begin = 0
-        if given.beyond:
+        if given.beyond is not None:
             begin = len(os.path.commonprefix([all_accesses, traced(given.beyond)[1]]))
         failures = []
         changed = 0

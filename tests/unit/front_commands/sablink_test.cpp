@@ -363,7 +363,7 @@ TEST_F(SablinkTest, ErrorCountersWithoutAnyDeviceLeft) {
   EXPECT_EQ(printedBy<SablinkErrorCountersCommandAccess>(), "no sablink error counters info.\n");
 }
 
-TEST_F(SablinkTest, ErrorCountersEndWithASpecificationThatCannotBeRead) {
+TEST_F(SablinkTest, ErrorCountersEndWhereLinksCannotBeCounted) {
   fakeLumo().fail("lumoDeviceGetSablinkSpec(device 1)", {LUMO_RETURN_UNKNOWN_ERROR});
   expectError(run<SablinkErrorCountersCommandAccess>(), kCountersLost, ExitCode::kQueryFailed);
   EXPECT_THAT(
@@ -419,7 +419,7 @@ TEST_F(SablinkTest, ResetIsForPhysicalDevicesAlone) {
   EXPECT_EQ(fakeLumo().timesCalled("lumoDeviceResetSablinkErrorCounter"), 0);
 }
 
-TEST_F(SablinkTest, ResetNeedsTheSpecification) {
+TEST_F(SablinkTest, ResetNeedsTheNumberOfLinks) {
   for (const auto ret : {LUMO_RETURN_NOT_SUPPORTED, LUMO_RETURN_UNKNOWN_ERROR}) {
     fakeLumo().fail("lumoDeviceGetSablinkSpec", {ret});
     expectError(run<SablinkErrCounterResetCommandAccess>({{"-i", {"0"}}, {"-l", {"0"}}}),
