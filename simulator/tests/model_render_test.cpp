@@ -43,7 +43,7 @@ TEST(SimRender, NodeWithoutProbe) {
   EXPECT_EQ(driver.ioctl("renderD128", kProbe, probe), ENOTTY);
 }
 
-TEST(SimRender, Specification) {
+TEST(SimRender, CoresAndWhatTheyCanDo) {
   TestDriver driver(kFen1);
   Record reply(132);
   ASSERT_EQ(ask(driver, 4, reply), 0);
