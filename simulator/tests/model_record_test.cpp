@@ -175,7 +175,7 @@ TEST_F(SimRecord1, ClockById) {
   EXPECT_EQ(ask(driver, 51, 1, 28, Record(28).put(0, 4, 0)).get(4, 8), 1700000000u);
 }
 
-TEST_F(SimRecord1, MemorySpecification) {
+TEST_F(SimRecord1, MemoryProperties) {
   TestDriver driver(tor1With(R"("memory_clock_max": 2000000000, "memory_type": 1, "memory_vendor": 3,
       "channel_count": 16, "channel_width": 32)"));
   const Record spec = ask(driver, 57, 1, 24);
@@ -184,7 +184,7 @@ TEST_F(SimRecord1, MemorySpecification) {
   EXPECT_EQ(spec.get(14, 2), 0x2010u);
 }
 
-TEST_F(SimRecord1, GpuSpecification) {
+TEST_F(SimRecord1, GpuProperties) {
   TestDriver driver(R"({"interfaces": {"60": [1, 2]}, "gpus": [{"model": "B250A", "misc": 3, "values": {
       "core_count": 9, "cluster_count": 2, "units_per_core": [4, 5, 6], "core_clock_max": 1900}}]})");
   const Record first = ask(driver, 60, 1, 12);

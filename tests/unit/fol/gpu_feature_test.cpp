@@ -140,7 +140,7 @@ TEST_F(GpuFeatureTest, AClusterThatFailsFailsTheClock) {
   EXPECT_EQ(platform_.count("QueryClock"), 1U);
 }
 
-TEST_F(GpuFeatureTest, TheMaximumClockIsPartOfTheSpecification) {
+TEST_F(GpuFeatureTest, TheMaximumClockIsAPropertyOfTheGpu) {
   GpuSpec spec;
   spec.maxClock = 1500000000UL;
   platform_.answer<QueryGpuCapCmd>(spec);

@@ -149,7 +149,7 @@ class BoardDataTest : public testing::Test {
   LogCapture log_;
 };
 
-TEST_F(BoardDataTest, MemorySpecificationOfTheFirstFamilyIsInTheReply) {
+TEST_F(BoardDataTest, MemoryPropertiesOfTheFirstFamilyAreInTheReply) {
   const auto spec = ask<kQueryDdrCap>(DevArch::kWold).value();
   EXPECT_EQ(driver_.steps, Steps{"inline"});
   EXPECT_EQ(spec.size.value(), 16384U);
@@ -160,7 +160,7 @@ TEST_F(BoardDataTest, MemorySpecificationOfTheFirstFamilyIsInTheReply) {
   EXPECT_EQ(spec.channelWidth.value(), 32U);
 }
 
-TEST_F(BoardDataTest, MemorySpecificationOfTheMiddleFamiliesIsInASharedBuffer) {
+TEST_F(BoardDataTest, MemoryPropertiesOfTheMiddleFamiliesAreInASharedBuffer) {
   for (const DevArch arch : {DevArch::kFen1, DevArch::kFen2}) {
     driver_.steps.clear();
     const auto spec = ask<kQueryDdrCap>(arch).value();
@@ -170,7 +170,7 @@ TEST_F(BoardDataTest, MemorySpecificationOfTheMiddleFamiliesIsInASharedBuffer) {
   }
 }
 
-TEST_F(BoardDataTest, MemorySpecificationOfTheLastFamilyIsARecord) {
+TEST_F(BoardDataTest, MemoryPropertiesOfTheLastFamilyAreARecord) {
   const auto spec = ask<kQueryDdrCap>(DevArch::kTor1).value();
   EXPECT_TRUE(driver_.steps.empty());
   EXPECT_EQ(driver_.count(kBoardRecord), 1U);
@@ -219,7 +219,7 @@ TEST_F(BoardDataTest, WhatTheBoardDoesNotKnowHasNoValue) {
   EXPECT_EQ(ask<kQueryGpuCap>(DevArch::kTor1).value().maxClock.state(), KelpReturn::kNotSupported);
 }
 
-TEST_F(BoardDataTest, GpuSpecification) {
+TEST_F(BoardDataTest, GpuProperties) {
   for (const DevArch arch : {DevArch::kWold, DevArch::kFen1, DevArch::kFen2, DevArch::kTor1}) {
     const auto spec = ask<kQueryGpuCap>(arch).value();
     EXPECT_EQ(spec.coreCount.value(), 3U);

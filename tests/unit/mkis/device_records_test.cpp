@@ -77,7 +77,7 @@ TEST(DeviceRecords, TemperatureMayBeBelowZero) {
                   -1.5F);
 }
 
-TEST(DeviceRecords, SpecificationGivesEveryCoreTheSameUnits) {
+TEST(DeviceRecords, PropertiesGiveEveryCoreTheSameUnits) {
   const auto spec =
       exchange<kQueryGpuCap>(1, 12, {}, {{0, 1, 3}, {1, 1, 2}, {2, 1, 128}, {3, 2, 1800}}).value();
   EXPECT_EQ(spec.coreCount.value(), 3U);
@@ -86,13 +86,13 @@ TEST(DeviceRecords, SpecificationGivesEveryCoreTheSameUnits) {
   EXPECT_EQ(spec.maxClock.value(), 1'800'000'000UL);
 }
 
-TEST(DeviceRecords, SpecificationMayNotKnowTheClock) {
+TEST(DeviceRecords, PropertiesMayNotKnowTheClock) {
   const auto spec = exchange<kQueryGpuCap>(1, 12, {}, {{0, 1, 0}, {1, 1, 0}, {2, 1, 0}, {3, 2, 0}}).value();
   EXPECT_EQ(spec.maxClock.state(), KelpReturn::kNotSupported);
   EXPECT_TRUE(spec.unitsPerCore.value().empty());
 }
 
-TEST(DeviceRecords, SecondSpecificationHasUnitsPerCoreAndNoClock) {
+TEST(DeviceRecords, SecondPropertiesHaveUnitsPerCoreAndNoClock) {
   Fields reply;
   for (std::size_t core = 0; core < 16; ++core) {
     reply.emplace_back(2 + core, 1, core == 5 ? 0 : 200 + core);

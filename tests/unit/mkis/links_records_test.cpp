@@ -84,7 +84,7 @@ TEST(LinkRecords, ThirdMemoryWindow) {
   EXPECT_EQ(window.free, 2UL << 32);
 }
 
-TEST(LinkRecords, SablinkSpecification) {
+TEST(LinkRecords, SablinkProperties) {
   const auto spec = exchange<kQuerySablinkSpec>(2, 28, {}, {{0, 4, 6}, {4, 4, 32000}, {8, 4, 200}}).value();
   EXPECT_EQ(spec.linkCount, 6U);
   EXPECT_EQ(spec.linkSpeed, 32000U);

@@ -90,7 +90,7 @@ TEST(OldLinkRecords, SlotAndReplays) {
             5UL << 33);
 }
 
-TEST(OldLinkRecords, SablinkSpecificationCapabilityAndState) {
+TEST(OldLinkRecords, SablinkPropertiesCapabilityAndState) {
   const auto spec =
       exchangeRecord<kQuerySablinkSpec>(1, 0x800C4DC0, 12, {}, {{0, 4, 33}, {4, 4, 32000}, {8, 4, 200}})
           .value();

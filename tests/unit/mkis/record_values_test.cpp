@@ -295,7 +295,7 @@ TEST(RecordValues, FirmwareHasTheFirstSixComponents) {
   EXPECT_EQ(versions.at("entry").value(), 10208U);
 }
 
-TEST(RecordValues, MemorySpecificationUnpacksItsFields) {
+TEST(RecordValues, MemoryPropertiesUnpackTheirFields) {
   const auto spec = valueOf<MiscMkisIntfName::kQueryDdrCap>(1, [](std::uint8_t* payload) {
     put<std::uint64_t>(payload, 0, 2'000'000'000);
     put<std::uint8_t>(payload, 9, 0x31);
@@ -309,7 +309,7 @@ TEST(RecordValues, MemorySpecificationUnpacksItsFields) {
   EXPECT_EQ(spec.size.state(), KelpReturn::kNotSupported);
 }
 
-TEST(RecordValues, MemorySpecificationThatIsUnknownSaysSo) {
+TEST(RecordValues, MemoryPropertiesThatAreUnknownSaySo) {
   const auto spec = valueOf<MiscMkisIntfName::kQueryDdrCap>(
       1, [](std::uint8_t* payload) { put<std::uint8_t>(payload, 9, 0x0F); });
   EXPECT_EQ(spec.maxClock.state(), KelpReturn::kNotSupported);

@@ -107,7 +107,7 @@ TEST(RenderNegotiation, FamilyWithoutFixedCoresFailsVersionZero) {
   EXPECT_TRUE(log.has(LogLevel::kError, ">> getVpuSpecV0: unsupported arch  4 "));
 }
 
-TEST(RenderNegotiation, UnsupportedSpecificationVersionStopsPostInit) {
+TEST(RenderNegotiation, UnsupportedVersionOfTheCoresStopsPostInit) {
   RenderDriver render(3);
   LogCapture log;
   RenderMkisProvider provider("renderD128", DevArch::kFen2);

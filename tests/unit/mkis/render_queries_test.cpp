@@ -29,7 +29,7 @@ constexpr std::uint32_t kUtilization = 0;
 constexpr std::uint32_t kMetrics = 1;
 constexpr std::uint32_t kStates = 2;
 constexpr std::uint32_t kClock = 3;
-constexpr std::uint32_t kSpecification = 4;
+constexpr std::uint32_t kCoreProperties = 4;
 
 /// One request, whatever its record.
 struct Asked {
@@ -97,7 +97,7 @@ class VideoEngine {
 
  private:
   int answer(std::uint8_t* r) {
-    if (asked.back().operation == kSpecification) {
+    if (asked.back().operation == kCoreProperties) {
       put<std::uint32_t>(r, 0, 3);
       for (std::size_t i = 0; i < 3; ++i) {
         put<std::uint32_t>(r, 4 + i * 8, i == 2 ? kAllOnes : 0x00080200U);

@@ -202,7 +202,7 @@ VersionMap<Operation<RenderKernelAccessor::Clocks>> RenderKernelAccessor::getVpu
 template <class Record>
 Stated<RenderKernelAccessor::Cores> RenderKernelAccessor::querySpec() const {
   const auto reply =
-      query<Record, VpuSpecReply>({.operation = VpuOperation::kSpecification,
+      query<Record, VpuSpecReply>({.operation = VpuOperation::kCoreProperties,
                                    .failure = "failed to query vpu specification, access error is "});
   if (!reply.ok()) {
     return reply.state();

@@ -20,7 +20,7 @@ enum class VpuOperation : u32 {
   kSessionMetrics = 1,
   kSessionStates = 2,
   kClock = 3,
-  kSpecification = 4,
+  kCoreProperties = 4,
 };
 
 /// Request and reply in one; versions 0 and 1 of the interfaces.
