@@ -19,6 +19,10 @@ class CommandError : public Step {
   const ExitCode code;
 };
 
+/// printf's format of a refused value; `%s` is the option.
+inline constexpr const char* kIllegalValue =
+    "Illegal value for '%s' options. Please run 'orvane-tolk -h' for help.";
+
 /// The step to return for a failure.
 std::shared_ptr<Step> commandError(std::string message, ExitCode code);
 

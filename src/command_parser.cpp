@@ -22,7 +22,6 @@ constexpr std::array<const char*, 8> kCodeTexts{
     "Error: unkown error.  Please run 'orvane-tolk -h' for help.",    // sic
 };
 
-constexpr const char* kIllegalValue = "Illegal value for '%s' options. Please run 'orvane-tolk -h' for help.";
 constexpr const char* kMissingValue = "Missing value for '%s' options. Please run 'orvane-tolk -h' for help.";
 
 /// Rows without a sub-command stand under this word, which nobody types.

@@ -1,15 +1,19 @@
 #include "command_table.h"
 
 #include "command_access/decoder_sessions_command_access.h"
+#include "command_access/ecc_config_command_access.h"
 #include "command_access/encoder_sessions_command_access.h"
 #include "command_access/event_command_access.h"
 #include "command_access/help_command_access.h"
 #include "command_access/list_command_access.h"
 #include "command_access/metrics_monitor_command_access.h"
+#include "command_access/mpc_command_access.h"
+#include "command_access/power_limit_command_access.h"
 #include "command_access/process_monitor_command_access.h"
 #include "command_access/query_command_access.h"
 #include "command_access/query_gpu_command_access.h"
 #include "command_access/query_gpu_help_command_access.h"
+#include "command_access/reset_gpu_command_access.h"
 #include "command_access/retired_page_command_access.h"
 #include "command_access/sablink_capabilities_command_access.h"
 #include "command_access/sablink_err_counter_reset_command_access.h"
@@ -89,8 +93,8 @@ constexpr CommandFactory kEncoderSessionsCommand{.make = getFn<EncoderSessionsCo
                                                  .loopUnitMs = kSeconds};
 constexpr CommandFactory kDecoderSessionsCommand{.make = getFn<DecoderSessionsCommandAccess>,
                                                  .loopUnitMs = kSeconds};
-constexpr CommandFactory kMpcCommand{};
-constexpr CommandFactory kResetGpuCommand{};
+constexpr CommandFactory kMpcCommand{.make = getFn<MpcCommandAccess>};
+constexpr CommandFactory kResetGpuCommand{.make = getFn<ResetGpuCommandAccess>};
 constexpr CommandFactory kSablinkStatusCommand{.make = getFn<SablinkStatusCommandAccess>};
 constexpr CommandFactory kSablinkCapabilitiesCommand{.make = getFn<SablinkCapabilitiesCommandAccess>};
 constexpr CommandFactory kSablinkRemoteLinkInfoCommand{.make = getFn<SablinkRemoteLinkInfoCommandAccess>};
@@ -101,12 +105,12 @@ constexpr CommandFactory kSablinkErrCounterResetCommand{.make = getFn<SablinkErr
                                                         .splitsIds = true};
 constexpr CommandFactory kProcessMonitorCommand{.make = getFn<ProcessMonitorCommandAccess>,
                                                 .loopUnitMs = kSeconds};
-constexpr CommandFactory kEccConfigCommand{.splitsIds = true};
+constexpr CommandFactory kEccConfigCommand{.make = getFn<EccConfigCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kRetiredPageCommand{.make = getFn<RetiredPageCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kEventCommand{.make = getFn<EventCommandAccess>};
 constexpr CommandFactory kMetricsMonitorCommand{.make = getFn<MetricsMonitorCommandAccess>,
                                                 .loopUnitMs = kMilliseconds};
-constexpr CommandFactory kPowerLimitCommand{.splitsIds = true};
+constexpr CommandFactory kPowerLimitCommand{.make = getFn<PowerLimitCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kQueryGpuHelpCommand{.make = getFn<QueryGpuHelpCommandAccess>};
 constexpr CommandFactory kQueryGpuCommand{.make = getFn<QueryGpuCommandAccess>, .loopUnitMs = kSeconds};
 

@@ -1,5 +1,6 @@
 #include "command_access/command_access_base.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <limits>
@@ -45,6 +46,12 @@ void CommandAccessBase::startLog() const {
   }
   frontLogger().add(&file);
   LumoAccessFactory::configureLog();
+}
+
+std::uint32_t CommandAccessBase::numberOf(const char* key) const {
+  const std::uint64_t asked = std::strtoul(options.at(key).front().c_str(), nullptr, 10);
+  return static_cast<std::uint32_t>(
+      std::min<std::uint64_t>(asked, std::numeric_limits<std::uint32_t>::max()));
 }
 
 std::shared_ptr<Step> CommandAccessBase::startLibrary() {

@@ -42,6 +42,9 @@ class CommandAccessBase : public Step {
 
   bool hasOption(const char* key) const { return options.contains(key); }
 
+  /// An option's number. One that no call can take becomes the largest one, which no device knows.
+  std::uint32_t numberOf(const char* key) const;
+
   /// Starts the library in a factory of this run's own. Here as below, null stands for success, and
   /// anything else is the step that `work` has to return.
   std::shared_ptr<Step> startLibrary();

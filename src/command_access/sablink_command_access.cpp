@@ -1,8 +1,6 @@
 #include "command_access/sablink_command_access.h"
 
-#include <algorithm>
 #include <cstdlib>
-#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -66,12 +64,6 @@ std::shared_ptr<Step> SablinkCommandAccess::reportLinks(LinkQuery query) {
     document[deviceKey(target.index)] = std::move(entry);
   }
   return std::make_shared<SablinkOutput>(std::move(document));
-}
-
-std::uint32_t SablinkCommandAccess::linkAsked() const {
-  const std::uint64_t asked = std::strtoul(options.at("-l").front().c_str(), nullptr, 10);
-  return static_cast<std::uint32_t>(
-      std::min<std::uint64_t>(asked, std::numeric_limits<std::uint32_t>::max()));
 }
 
 std::vector<std::uint32_t> SablinkCommandAccess::linksToAsk(const LumoSablinkSpec& spec) const {

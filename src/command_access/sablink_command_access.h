@@ -42,8 +42,7 @@ class SablinkCommandAccess : public CommandAccessBase {
   /// Asks for each link of the devices of "-i", or of all. A device without links of this kind ends it.
   std::shared_ptr<Step> reportLinks(LinkQuery query);
 
-  /// The link of "-l". A number that no call can take becomes the largest one, which no device has.
-  std::uint32_t linkAsked() const;
+  std::uint32_t linkAsked() const { return numberOf("-l"); }
 
   /// The link of "-l" alone, whether the device has it or not, or all links.
   std::vector<std::uint32_t> linksToAsk(const LumoSablinkSpec& spec) const;
