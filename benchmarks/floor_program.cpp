@@ -49,7 +49,7 @@ class Floor {
       static_cast<void>(!readlink(subject.c_str(), text, sizeof text));
     } else if (line.operation == "access") {
       static_cast<void>(access(subject.c_str(), F_OK));
-    } else {
+    } else if (line.operation != "close") {
       struct stat status;
       static_cast<void>(lstat(subject.c_str(), &status));
     }

@@ -67,15 +67,20 @@ void simCallFaults(SimImage* image, SimCall* call, SimCallFault* result) {
       case SIM_EFFECT_GONE:
         __atomic_store_n(&nodes[nodes[call->node].owner].gone, 1, __ATOMIC_RELEASE);
         break;
+      case SIM_EFFECT_KILL:
+        call->isKilled = 1;
+        result->error = SIM_EINTR;
+        break;
       default:
         break;
     }
   }
 }
 
-// Mapping is nothing that happens to a file: only faults of its own strike it.
+// Mapping and moving are nothing that a program does to a file: only faults of their own strike them.
 static int aimsAt(const SimFault* fault, enum SimAim aim) {
   if (aim == SIM_AIM_MAP) return fault->target == SIM_FAULT_MAP;
+  if (aim == SIM_AIM_MOVE) return fault->target == SIM_FAULT_MOVE;
   return fault->target == SIM_FAULT_FILE || (fault->target == SIM_FAULT_OPEN && aim == SIM_AIM_OPEN);
 }
 
@@ -90,6 +95,9 @@ void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFa
         break;
       case SIM_EFFECT_HANG:
         result->hangMs += fault->number;
+        break;
+      case SIM_EFFECT_KILL:
+        result->isKilled = 1;
         break;
       case SIM_EFFECT_CUT:
         result->cut = (int64_t)fault->number;

@@ -14,7 +14,7 @@ extern "C" {
 
 enum {
   SIM_IMAGE_MAGIC = 0x4d495356,
-  SIM_IMAGE_LAYOUT = 3,
+  SIM_IMAGE_LAYOUT = 4,
 };
 
 enum SimValue {
@@ -92,6 +92,7 @@ enum {
 typedef struct SimGpu {
   uint32_t node;      // its own misc node
   uint32_t mpcState;  // id of the configuration that is set, or one of the above
+  uint32_t mpcNext;   // the same, but while one is being set: that one
   uint32_t family;    // number of the chip family
 } SimGpu;
 
@@ -137,6 +138,7 @@ enum SimFaultTarget {
   SIM_FAULT_FILE,  // every access of a path
   SIM_FAULT_OPEN,  // opening it alone
   SIM_FAULT_MAP,   // mapping a node's shared buffer
+  SIM_FAULT_MOVE,  // moving the file of a node that comes or goes
 };
 
 enum SimFaultEffect {
@@ -149,6 +151,7 @@ enum SimFaultEffect {
   SIM_EFFECT_GONE,   // the device is removed
   SIM_EFFECT_CUT,    // the file ends after `number` bytes
   SIM_EFFECT_TEXT,   // the file holds the text instead
+  SIM_EFFECT_KILL,   // the process is killed before the access does anything
 };
 
 enum SimCallKind {
@@ -215,14 +218,14 @@ typedef struct SimImage {
   uint32_t protocol;  // enum SimProtocol
   uint16_t currentMajor;
   uint16_t currentMinor;
-  uint32_t renderProtocol;  // SIM_PROTOCOL_0 or SIM_PROTOCOL_NONE
-  uint32_t loaded;          // the driver is there; if not, its nodes open for nobody
-  uint32_t fixedTime;       // the wall clock stands still
-  uint32_t lastSession;     // id of the session that was started last
-  uint32_t lastBuffer;      // number of the shared buffer that was made last
-  uint32_t busyAttempts;    // so many attempts of a command find the firmware busy
-  uint32_t busyAgain;       // every time, and not only at first
-  uint32_t reserved;
+  uint32_t renderProtocol;   // SIM_PROTOCOL_0 or SIM_PROTOCOL_NONE
+  uint32_t loaded;           // the driver is there; if not, its nodes open for nobody
+  uint32_t fixedTime;        // the wall clock stands still
+  uint32_t lastSession;      // id of the session that was started last
+  uint32_t lastBuffer;       // number of the shared buffer that was made last
+  uint32_t busyAttempts;     // so many attempts of a command find the firmware busy
+  uint32_t busyAgain;        // every time, and not only at first
+  uint32_t unsettled;        // nodes come and go; whoever finds it so brings it to an end
   int64_t time;              // seconds since the epoch
   uint64_t calls;            // ioctls so far
   uint64_t unexpected;       // those that the driver did not offer

@@ -65,9 +65,9 @@ int simIoctl(SimImage* image, SimCall* call) {
   call->status = SIM_DONE;
   call->kind = SIM_CALL_UNKNOWN;
   call->hasInterface = 0;
-  call->nodesChanged = 0;
   call->dropsEvents = 0;
   call->isUnexpected = 0;
+  call->isKilled = 0;
   call->command = 0;
   call->hangMs = 0;
   __atomic_fetch_add(&image->calls, 1, __ATOMIC_RELAXED);

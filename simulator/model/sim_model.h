@@ -14,6 +14,7 @@ extern "C" {
 // Errno numbers that the driver uses.
 enum {
   SIM_ENOENT = 2,
+  SIM_EINTR = 4,
   SIM_EIO = 5,
   SIM_EAGAIN = 11,
   SIM_ENOMEM = 12,
@@ -81,9 +82,9 @@ typedef struct SimCall {
   uint32_t status;       // enum SimStatus; protocol 1
   uint8_t kind;          // enum SimCallKind
   uint8_t hasInterface;  // the next two are told
-  uint8_t nodesChanged;  // the shell has to bring the paths of the nodes in line
   uint8_t dropsEvents;   // the shell has to empty the event queues of the node's GPU
   uint8_t isUnexpected;  // the driver did not offer what was asked for
+  uint8_t isKilled;      // the shell has to kill the caller
   uint8_t command;       // to the firmware
   uint16_t version;
   uint32_t interfaceName;
@@ -91,8 +92,12 @@ typedef struct SimCall {
   uint8_t buffer[SIM_MAX_RECORD];
 } SimCall;
 
-// Answers the call; the result is call->error.
+// Answers the call; the result is call->error. If the image is unsettled afterwards, the shell has to bring
+// the paths of the nodes in line, and to say that it has.
 int simIoctl(SimImage* image, SimCall* call);
+
+// Brings to an end what a killed process has begun, if the image is unsettled. The paths are the shell's.
+void simSettle(SimImage* image);
 
 // The name of a kind of call, as faults and traces have it.
 const char* simKindName(uint32_t kind);
@@ -111,12 +116,13 @@ void simNodeName(const SimNode* node, char name[SIM_NODE_NAME]);
 typedef struct SimFileFault {
   int error;  // errno, 0 none
   uint64_t hangMs;
+  int isKilled;      // the process is to be killed
   int64_t cut;       // bytes that stay, -1 all
   const char* text;  // instead of the content, null none
   size_t textLength;
 } SimFileFault;
 
-enum SimAim { SIM_AIM_LOOK, SIM_AIM_OPEN, SIM_AIM_MAP };
+enum SimAim { SIM_AIM_LOOK, SIM_AIM_OPEN, SIM_AIM_MAP, SIM_AIM_MOVE };
 
 // Counts the access against every fault that matches it.
 void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFault* fault);

@@ -17,6 +17,7 @@ int accessBegin(Access* access, const char* operation, const char* path, enum Ac
   access->shell = shellGet();
   access->operation = operation;
   access->fault = (SimFileFault){.cut = -1};
+  shellSettle(access->shell);
   switch (pathFind(access->shell, path, access->logical, access->host)) {
     case PATH_REAL:
       return 0;
@@ -29,6 +30,10 @@ int accessBegin(Access* access, const char* operation, const char* path, enum Ac
   if (access->shell->image->faults.count && !isCanary(access)) {
     simFileFaults(access->shell->image, access->logical, aim == ACCESS_OPEN ? SIM_AIM_OPEN : SIM_AIM_LOOK,
                   &access->fault);
+    if (access->fault.isKilled) {
+      shellTrace(access->shell, operation, access->logical, "killed");
+      shellKill();
+    }
     if (access->fault.hangMs) shellSleepMs(access->fault.hangMs);
   }
   return 1;
@@ -68,7 +73,7 @@ static int closeIfGone(const Access* access, int fd) {
   const int index = simFindNode(image, status.st_dev, status.st_ino);
   if (index < 0) return fd;
   if (simIsPresent(image, (uint32_t)index)) return fd;
-  close(fd);
+  shellClose(fd);
   errno = ENODEV;
   return -1;
 }
@@ -94,9 +99,9 @@ static int replaceContent(const Access* access, int fd) {
   } else if (!failed) {
     failed = copyUpTo(fd, copy, access->fault.cut) != 0;
   }
-  close(fd);
+  shellClose(fd);
   if (failed || lseek(copy, 0, SEEK_SET) != 0) {
-    if (copy >= 0) close(copy);
+    if (copy >= 0) shellClose(copy);
     errno = EIO;
     return -1;
   }
@@ -107,7 +112,7 @@ int accessOpenFile(Access* access, int flags, mode_t mode) {
   typedef int (*Open)(const char*, int, ...);
   int fd = REAL(Open, "open")(access->host, flags, mode);
   if (fd >= 0 && isEventQueue(access)) {
-    close(fd);
+    shellClose(fd);
     fd = eventsOpen(access->shell, access->logical, flags);
   }
   if (fd >= 0 && isNode(access)) fd = closeIfGone(access, fd);

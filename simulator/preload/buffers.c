@@ -41,7 +41,7 @@ static int make(SimCall* call, uint32_t id, size_t size) {
   const int fd = openBuffer(id, O_RDWR | O_CREAT | O_TRUNC);
   if (fd < 0) return -1;
   const int failed = ftruncate(fd, (off_t)size);
-  close(fd);
+  shellClose(fd);
   return failed;
 }
 
@@ -50,7 +50,7 @@ static int fill(SimCall* call, uint32_t id, const void* from, size_t size) {
   const int fd = openBuffer(id, O_RDWR);
   if (fd < 0) return -1;
   const int failed = pwrite(fd, from, size, 0) != (ssize_t)size;
-  close(fd);
+  shellClose(fd);
   return failed;
 }
 
@@ -120,7 +120,7 @@ static void* mapBuffer(void* at, size_t size, int access, int flags, int fd, off
     result = REAL(Map, "mmap")(at, size, access, flags, buffer, 0);
     error = errno;
   }
-  if (buffer >= 0) close(buffer);
+  if (buffer >= 0) shellClose(buffer);
   errno = error;
   return result;
 }
@@ -131,6 +131,10 @@ static void* mapNode(void* at, size_t size, int access, int flags, int fd, off_t
   const int saved = errno;
   pathOf(node, path);
   simFileFaults(shellGet()->image, path, SIM_AIM_MAP, &fault);
+  if (fault.isKilled) {
+    shellTrace(shellGet(), "mmap", path, "killed");
+    shellKill();
+  }
   if (fault.hangMs) shellSleepMs(fault.hangMs);
   errno = fault.error;
   void* const result = fault.error ? MAP_FAILED : mapBuffer(at, size, access, flags, fd, from);

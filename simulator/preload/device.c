@@ -44,7 +44,9 @@ static void traceCall(const Shell* shell, const SimCall* call) {
   } else {
     snprintf(subject, sizeof subject, "%s %s 0x%08x -", name, kind, what);
   }
-  if (call->error) {
+  if (call->isKilled) {
+    snprintf(result, sizeof result, "killed");
+  } else if (call->error) {
     snprintf(result, sizeof result, "%s", errnoName(call->error, spare));
   } else if (call->status) {
     snprintf(result, sizeof result, "status=%u", call->status);
@@ -84,11 +86,36 @@ SHELL_EXPORT int ioctl(int fd, unsigned long request, ...) {
   call->argument = (uint64_t)(uintptr_t)argument;
   shellLock();
   const int error = simIoctl(shell->image, call);
-  if (call->nodesChanged) nodesArrange(shell);
+  if (call->isKilled) {
+    if (shell->traceFd >= 0) traceCall(shell, call);
+    shellKill();
+  }
+  if (shell->image->unsettled) nodesArrange(shell);
   if (call->dropsEvents) eventsDrop(shell, SIM_AT(shell->image, const SimNode, nodes)[node].gpu);
   shellUnlock();
   if (call->hangMs) shellSleepMs(call->hangMs);
   if (shell->traceFd >= 0) traceCall(shell, call);
   errno = error ? error : saved;
   return error ? -1 : 0;
+}
+
+// Closing is looked at only to be traced.
+SHELL_EXPORT int close(int fd) {
+  typedef int (*Close)(int);
+  char name[SIM_NODE_NAME];
+  char path[SIM_NODE_NAME + 16];
+  char spare[16];
+  const int saved = errno;
+  const Shell* const shell = shellGet();
+  const int index = shell->traceFd < 0 ? -1 : nodesFind(shell, fd);
+  errno = saved;
+  const int failed = REAL(Close, "close")(fd);
+  if (index < 0) return failed;
+  const int error = errno;
+  const SimNode* const node = SIM_AT(shell->image, const SimNode, nodes) + index;
+  simNodeName(node, name);
+  snprintf(path, sizeof path, "%s%s", node->kind >= SIM_NODE_RENDER ? "/dev/dri/" : "/dev/", name);
+  shellTrace(shell, "close", path, failed ? errnoName(error, spare) : "ok");
+  errno = error;
+  return failed;
 }

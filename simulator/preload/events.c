@@ -40,7 +40,7 @@ static void putWaiting(int queue, const char* path) {
   const off_t size = lseek(fd, 0, SEEK_END);
   const off_t from = size > kQueueSize ? size - kQueueSize : 0;
   const ssize_t got = pread(fd, messages, sizeof messages, from);
-  close(fd);
+  shellClose(fd);
   if (got > 0 && write(queue, messages, (size_t)got) != got) return;
 }
 
@@ -77,7 +77,7 @@ static void empty(const char* path) {
   if (fd < 0) return;
   while (syscall(SYS_read, fd, message, sizeof message) > 0) {
   }
-  close(fd);
+  shellClose(fd);
 }
 
 void eventsDrop(const Shell* shell, uint32_t gpuIndex) {

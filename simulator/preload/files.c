@@ -78,7 +78,7 @@ static FILE* openStream(const char* path, const char* mode) {
   accessEnd(&access, fd < 0);
   if (fd < 0) return NULL;
   FILE* const stream = fdopen(fd, mode);
-  if (!stream) close(fd);
+  if (!stream) shellClose(fd);
   return stream;
 }
 

@@ -18,14 +18,17 @@ int nodesFind(const Shell* shell, int fd) {
   return simFindNode(shell->image, status.st_dev, status.st_ino);
 }
 
-static void move(const char* from, const char* to) {
+static void move(const Shell* shell, const char* path, const char* from, const char* to) {
   struct stat status;
+  SimFileFault fault = {0};
   if (syscall(SYS_newfstatat, AT_FDCWD, from, &status, AT_SYMLINK_NOFOLLOW) != 0) return;
+  simFileFaults(shell->image, path, SIM_AIM_MOVE, &fault);
+  if (fault.isKilled) shellKill();
   syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 
 void nodesArrange(const Shell* shell) {
-  const SimImage* const image = shell->image;
+  SimImage* const image = shell->image;
   const SimNode* const nodes = SIM_AT(image, const SimNode, nodes);
   const SimNodePath* const paths = SIM_AT(image, const SimNodePath, nodePaths);
   const int root = (int)(shell->treeLength - strlen("/tree"));
@@ -37,11 +40,12 @@ void nodesArrange(const Shell* shell) {
     const int inParked = snprintf(parked, sizeof parked, "%.*s/parked%s", root, shell->tree, path);
     if (inTree >= PATH_MAX || inParked >= PATH_MAX) continue;
     if (nodes[paths[i].node].present) {
-      move(parked, tree);
+      move(shell, path, parked, tree);
     } else {
-      move(tree, parked);
+      move(shell, path, tree, parked);
     }
   }
+  __atomic_store_n(&image->unsettled, 0, __ATOMIC_SEQ_CST);
 }
 
 int nodesOthersOpen(SimCall* call, uint32_t owner) {

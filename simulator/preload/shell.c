@@ -4,6 +4,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -37,7 +38,7 @@ static int openOwn(const char* path, int flags) {
   if (fd < 0) return fd;
   const int high = fcntl(fd, F_DUPFD_CLOEXEC, kFirstFd);
   if (high < 0) return fd;
-  close(fd);
+  shellClose(fd);
   return high;
 }
 
@@ -68,7 +69,7 @@ static void afterFork(void) {
 
 // A file lock belongs to the open file, which parent and child would share.
 static void inChild(void) {
-  close(lockFd);
+  shellClose(lockFd);
   lockFd = openOwn(imagePath, O_RDWR);
   pthread_mutex_unlock(&mutex);
 }
@@ -104,11 +105,29 @@ void shellLock(void) {
     lockFd = openOwn(imagePath, O_RDWR);
     flock(lockFd, LOCK_EX);
   }
+  if (!theShell.image->unsettled) return;
+  simSettle(theShell.image);
+  nodesArrange(&theShell);
 }
 
 void shellUnlock(void) {
   flock(lockFd, LOCK_UN);
   pthread_mutex_unlock(&mutex);
+}
+
+void shellClose(int fd) {
+  syscall(SYS_close, fd);
+}
+
+_Noreturn void shellKill(void) {
+  syscall(SYS_kill, (long)getpid(), (long)SIGKILL);
+  for (;;) pause();
+}
+
+void shellSettle(const Shell* shell) {
+  if (!__atomic_load_n(&shell->image->unsettled, __ATOMIC_ACQUIRE)) return;
+  shellLock();
+  shellUnlock();
 }
 
 void shellSleepMs(uint64_t ms) {

@@ -24,9 +24,19 @@ typedef struct Shell {
 // Ends the process when there is no host to show: going on would mean the real machine.
 const Shell* shellGet(void);
 
-// Only one call at a time changes the host, among threads and processes.
+// Only one call at a time changes the host, among threads and processes. What a killed process has left
+// half done is done when the lock is there.
 void shellLock(void);
 void shellUnlock(void);
+
+// Waits for a change of the nodes that is under way; without the lock, before the tree is looked at.
+void shellSettle(const Shell* shell);
+
+// Closes a descriptor of the library's own, which is no access of the program's.
+void shellClose(int fd);
+
+// Ends the process as a kill from outside would, whatever it holds.
+_Noreturn void shellKill(void);
 
 void shellSleepMs(uint64_t ms);
 
@@ -83,7 +93,7 @@ void accessPatchMode(const Access* access, mode_t* mode, dev_t* device);
 // Index of the node behind a descriptor, or -1.
 int nodesFind(const Shell* shell, int fd);
 
-// Brings the files of nodes that come and go in line with the image. The lock is held.
+// Brings the files of nodes that come and go in line with the image, which is settled then. The lock is held.
 void nodesArrange(const Shell* shell);
 
 // Whether this process has a node of another device open; as SimCall.othersOpen.

@@ -17,6 +17,8 @@ constexpr std::string_view kHelp = R"(A fault is TARGET[(SELECTION)][#WHEN]:EFFE
              file               every access of a path: open, opendir, stat, access, readlink, ...
              open               opening a path alone
              map                mapping memory that is shared with the driver, by the path of the node
+             move               what the driver does itself while a node comes or goes with the MPC mode, by
+                                the path of each of its files
   SELECTION  ioctl: KEY=VALUE, several with commas; without it, all ioctls
                node=GLOB        ovgpu.1, renderD128, ovgpu.*
                interface=N      calls of interface N, in any protocol; 100000 and up on a render node
@@ -24,13 +26,15 @@ constexpr std::string_view kHelp = R"(A fault is TARGET[(SELECTION)][#WHEN]:EFFE
                kind=K           probe, scan, list, record (a call of an interface), smc (a command to
                                 the firmware), memory (that is shared with the driver), unknown
                request=N        the request number
-             file, open, map: a glob of the path; * stays in a folder, ** does not, ? is one character
+             file, open, map, move: a glob of the path; * stays in a folder, ** does not, ? is one character
   WHEN       N                  the N-th access that fits, counted over the whole run
              N+                 the N-th and all after it
              N-M                the N-th to the M-th
              without it         all
   EFFECT     errno=NAME         the access fails: EIO, ENOENT, ENODEV, ...
              hang=MS            the answer comes after MS milliseconds
+             kill               the process is killed (SIGKILL) before the access has any effect; of a move
+                                this alone
              status=N           ioctl: the driver's status in the header, in protocol 1; the status word
                                 of the firmware
              short=N            ioctl: only N bytes of the reply are written
@@ -111,8 +115,10 @@ class Parser {
       spec.fault.target = SIM_FAULT_OPEN;
     } else if (word == "map") {
       spec.fault.target = SIM_FAULT_MAP;
+    } else if (word == "move") {
+      spec.fault.target = SIM_FAULT_MOVE;
     } else {
-      failUnknown("target", word, {"ioctl", "file", "open", "map"});
+      failUnknown("target", word, {"ioctl", "file", "open", "map", "move"});
     }
   }
 
@@ -177,29 +183,40 @@ class Parser {
   }
 
   void parseEffect() {
+    enum On : uint8_t { kIoctl = 1, kFile = 2, kMapping = 4, kMove = 8, kAccess = kIoctl | kFile | kMapping };
     struct Effect {
       std::string_view name;
       SimFaultEffect effect;
       bool hasValue;
-      bool forIoctl;
-      bool forFile;
+      int on;
     };
     static constexpr Effect kEffects[] = {
-        {"errno", SIM_EFFECT_ERRNO, true, true, true},    {"hang", SIM_EFFECT_HANG, true, true, true},
-        {"status", SIM_EFFECT_STATUS, true, true, false}, {"short", SIM_EFFECT_SHORT, true, true, false},
-        {"ones", SIM_EFFECT_ONES, false, true, false},    {"count", SIM_EFFECT_COUNT, true, true, false},
-        {"gone", SIM_EFFECT_GONE, false, true, false},    {"cut", SIM_EFFECT_CUT, true, false, true},
-        {"text", SIM_EFFECT_TEXT, true, false, true},
+        {"errno", SIM_EFFECT_ERRNO, true, kAccess},
+        {"hang", SIM_EFFECT_HANG, true, kAccess},
+        {"kill", SIM_EFFECT_KILL, false, kAccess | kMove},
+        {"status", SIM_EFFECT_STATUS, true, kIoctl},
+        {"short", SIM_EFFECT_SHORT, true, kIoctl},
+        {"ones", SIM_EFFECT_ONES, false, kIoctl},
+        {"count", SIM_EFFECT_COUNT, true, kIoctl},
+        {"gone", SIM_EFFECT_GONE, false, kIoctl},
+        {"cut", SIM_EFFECT_CUT, true, kFile},
+        {"text", SIM_EFFECT_TEXT, true, kFile},
     };
+    // By SimFaultTarget.
+    static constexpr struct {
+      On on;
+      const char* what;
+    } kTargets[] = {{kIoctl, "an ioctl"},
+                    {kFile, "a file"},
+                    {kFile, "a file"},
+                    {kMapping, "a mapping"},
+                    {kMove, "a move"}};
+    const auto& target = kTargets[spec.fault.target];
     const std::string name(takeUntil("="));
     const bool hasValue = take('=');
-    const bool isMap = spec.fault.target == SIM_FAULT_MAP;
     std::vector<std::string_view> known;
     for (const Effect& effect : kEffects) {
-      const bool applies = isMap       ? effect.forIoctl && effect.forFile
-                           : isIoctl() ? effect.forIoctl
-                                       : effect.forFile;
-      if (!applies) continue;
+      if ((effect.on & target.on) == 0) continue;
       known.push_back(effect.name);
       if (effect.name != name) continue;
       if (effect.hasValue != hasValue) {
@@ -209,10 +226,7 @@ class Parser {
       if (hasValue) parseValue(name);
       return;
     }
-    failUnknown(isIoctl() ? "effect on an ioctl"
-                : isMap   ? "effect on a mapping"
-                          : "effect on a file",
-                name, known);
+    failUnknown(std::string("effect on ") + target.what, name, known);
   }
 
   void parseValue(const std::string& name) {

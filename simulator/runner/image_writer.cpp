@@ -152,8 +152,8 @@ std::vector<SimNode> makeNodes(const Host& host, const std::vector<NodeFile>& fi
 std::vector<SimGpu> makeGpus(const Host& host) {
   std::vector<SimGpu> gpus;
   for (const PciFunction& function : host.functions) {
-    gpus.push_back(
-        {static_cast<uint32_t>(function.ownNode), function.mpcState, static_cast<uint32_t>(function.family)});
+    gpus.push_back({static_cast<uint32_t>(function.ownNode), function.mpcState, function.mpcState,
+                    static_cast<uint32_t>(function.family)});
   }
   return gpus;
 }
@@ -258,6 +258,7 @@ bool carryState(const std::string& from, std::string& to) {
   carryTable<SimCell>(from, to, head.cells);
   head.calls = old.calls;
   head.unexpected = old.unexpected;
+  head.unsettled = old.unsettled;
   head.lastSession = old.lastSession;
   head.lastBuffer = old.lastBuffer;
   std::memcpy(to.data(), &head, sizeof head);

@@ -39,6 +39,15 @@ TEST(SimFaultSpec, MappingHasTheEffectsThatItCanHave) {
   EXPECT_NE(errorOf("map(/dev/ovgpu.0):status=3").find("effect on a mapping"), std::string::npos);
 }
 
+TEST(SimFaultSpec, EveryAccessCanKill) {
+  for (const char* const written :
+       {"ioctl#2:kill", "file(/a)#1:kill", "open(/a):kill", "map:kill", "move#3:kill"}) {
+    EXPECT_EQ(parseFault(written).fault.effect, SIM_EFFECT_KILL) << written;
+  }
+  EXPECT_NE(errorOf("move:errno=EIO").find("unknown effect on a move \"errno\" (kill)"), std::string::npos);
+  EXPECT_NE(errorOf("ioctl:kill=9").find("takes no value"), std::string::npos);
+}
+
 TEST(SimFaultSpec, CommandsToTheFirmwareAreAKindOfCall) {
   EXPECT_EQ(parseFault("ioctl(kind=smc):errno=EAGAIN").fault.callKind, SIM_CALL_SMC);
   EXPECT_EQ(parseFault("ioctl(kind=unknown):errno=EIO").fault.callKind, SIM_CALL_UNKNOWN);
@@ -69,7 +78,7 @@ TEST(SimFaultSpec, MistakesAreNamed) {
   } mistakes[] = {
       {"iocl#1:errno=EIO",
        "fault \"iocl#1:errno=EIO\": unknown target \"iocl\"; did you mean \"ioctl\"? (ioctl, file, open, "
-       "map)"},
+       "map, move)"},
       {"ioctl#0:errno=EIO", "fault \"ioctl#0:errno=EIO\": accesses are counted from 1"},
       {"ioctl#x:errno=EIO", "fault \"ioctl#x:errno=EIO\": what follows \"#\" is a number; found \"x\""},
       {"ioctl#5-3:gone", "fault \"ioctl#5-3:gone\": the range ends before it begins"},
@@ -77,10 +86,10 @@ TEST(SimFaultSpec, MistakesAreNamed) {
       {"ioctl:errno=EIX", "fault \"ioctl:errno=EIX\": unknown errno \"EIX\"; one such as EIO is expected"},
       {"ioctl:cut=3",
        "fault \"ioctl:cut=3\": unknown effect on an ioctl \"cut\"; did you mean \"count\"? "
-       "(errno, hang, status, short, ones, count, gone)"},
+       "(errno, hang, kill, status, short, ones, count, gone)"},
       {"file(/sys/x):gone",
        "fault \"file(/sys/x):gone\": unknown effect on a file \"gone\" "
-       "(errno, hang, cut, text)"},
+       "(errno, hang, kill, cut, text)"},
       {"ioctl:gone=1", "fault \"ioctl:gone=1\": \"gone\" takes no value"},
       {"ioctl:status", "fault \"ioctl:status\": \"status\" needs a value: status=..."},
       {"ioctl(interfac=3):ones",

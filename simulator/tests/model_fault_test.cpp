@@ -122,7 +122,8 @@ TEST(SimFaults, FilesAndOpens) {
                               "file(/etc/*):hang=7"});
   SimFileFault fault;
   const auto access = [&](const char* path, bool opens) {
-    fault = {0, 0, -1, nullptr, 0};
+    fault = {};
+    fault.cut = -1;
     simFileFaults(driver.image(), path, opens ? SIM_AIM_OPEN : SIM_AIM_LOOK, &fault);
   };
   access("/sys/bus/a/numa_node", false);

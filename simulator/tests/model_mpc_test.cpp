@@ -63,7 +63,7 @@ TEST_F(SimMpc, SwitchedOnHasTheLowestConfiguration) {
   EXPECT_EQ(answers(driver, "ovgpu.3"), -ENODEV);
 
   ASSERT_EQ(switchTo(driver, 1), kDone);
-  EXPECT_TRUE(driver.last().nodesChanged);
+  EXPECT_TRUE(driver.image()->unsettled);
   EXPECT_EQ(deviceType(driver, "ovgpu.1"), 1u) << "the GPU keeps its node";
   EXPECT_EQ(number(driver, "ovgpu.1", 8, 2, 60, 28, 2), 0xFFFFu);
   EXPECT_EQ(number(driver, "ovgpu.1", 2, 3, 92, 0, 4), 0xFFFFFFFFu);
@@ -106,8 +106,9 @@ TEST_F(SimMpc, SwitchedOffIsAPlainDevice) {
   EXPECT_EQ(answers(driver, "ovgpu.2"), -ENODEV);
   EXPECT_EQ(answers(driver, "ovgpu.3"), -ENODEV);
   EXPECT_EQ(configure(driver, 2), kNotSupported) << "there is no configuration to be set";
+  driver.image()->unsettled = 0;
   ASSERT_EQ(switchTo(driver, 0), kDone) << "as it is";
-  EXPECT_FALSE(driver.last().nodesChanged);
+  EXPECT_FALSE(driver.image()->unsettled);
   EXPECT_EQ(switchTo(driver, 2), 1);
 }
 
@@ -158,6 +159,58 @@ TEST_F(SimMpc, OtherDevicesCannotBeSwitched) {
   Record payload = Record(17).put(0, 1, 1);
   EXPECT_EQ(driver.call("ovgpu.0", 15, 1, payload), kNotSupported) << "no such mode";
   EXPECT_EQ(driver.call("ovgpu.2", 15, 1, payload), kNotSupported) << "an instance";
+}
+
+// Whatever of the change was written when the process was killed, the rest follows from it.
+TEST_F(SimMpc, ChangeThatWasBegunIsBroughtToAnEnd) {
+  constexpr uint32_t kOff = SIM_MPC_OFF;
+  const struct {
+    const char* from;
+    uint64_t configuration;
+  } changes[] = {{R"("current": 0)", 2}, {R"("current": 2)", 0}, {R"("current": 2)", kOff}};
+  for (const auto& one : changes) {
+    const std::string host = hostWith(one.from);
+    TestDriver before(host);
+    TestDriver after(host);
+    for (TestDriver* const each : {&before, &after}) {
+      Record state = Record(20).put(0, 4, 11);
+      ASSERT_EQ(each->call("ovgpu.1", 68, 0, state), kDone);
+      ASSERT_EQ(each->call("ovgpu.2", 68, 0, state), kDone);
+    }
+    ASSERT_EQ(one.configuration == kOff ? switchTo(after, 0) : configure(after, one.configuration), kDone);
+    before.image()->calls = after.image()->calls;
+    before.image()->unsettled = 1;
+    SIM_AT(before.image(), SimGpu, gpus)[1].mpcNext = SIM_AT(after.image(), SimGpu, gpus)[1].mpcNext;
+    const std::vector<uint64_t> whole = after.copy();
+    std::vector<size_t> written;
+    const std::vector<uint64_t> old = before.copy();
+    // The word that says that the change is over is written last.
+    const auto* const end = reinterpret_cast<char*>(&SIM_AT(before.image(), SimGpu, gpus)[1].mpcState);
+    const auto last = static_cast<size_t>(end - reinterpret_cast<char*>(before.image())) / sizeof(uint64_t);
+    for (size_t i = 0; i < whole.size(); ++i) {
+      if (whole[i] != old[i] && i != last) written.push_back(i);
+    }
+    ASSERT_GT(written.size(), 5u);
+    for (size_t count = 0; count <= written.size(); ++count) {
+      for (const bool fromTheEnd : {false, true}) {
+        std::vector<uint64_t> half = old;
+        for (size_t i = 0; i < count; ++i) {
+          const size_t place = written[fromTheEnd ? written.size() - 1 - i : i];
+          half[place] = whole[place];
+        }
+        simSettle(reinterpret_cast<SimImage*>(half.data()));
+        EXPECT_EQ(half, whole) << one.from << " to " << one.configuration << ", " << count << " words";
+      }
+    }
+  }
+}
+
+TEST_F(SimMpc, SameConfigurationAgainKeepsWhatWasSetOfTheGpu) {
+  TestDriver driver(hostWith(R"("current": 2)"));
+  Record state = Record(20).put(0, 4, 11);
+  ASSERT_EQ(driver.call("ovgpu.1", 68, 0, state), kDone);
+  ASSERT_EQ(configure(driver, 2), kDone);
+  EXPECT_EQ(number(driver, "ovgpu.1", 67, 0, 20, 0, 4), 11u);
 }
 
 TEST_F(SimMpc, InstancesAreOfTheConfigurationThatIsSet) {

@@ -56,7 +56,7 @@ TEST(SimProtocol0Records, MpcListsHaveNarrowerRows) {
 TEST(SimProtocol0Records, MpcModeAndConfigurationCanBeSet) {
   TestDriver driver(kDivided);
   ask(driver, "ovgpu.0", 0x40024DB6, Record(2).put(0, 2, 0));
-  EXPECT_TRUE(driver.last().nodesChanged);
+  EXPECT_TRUE(driver.image()->unsettled);
   EXPECT_EQ(ask(driver, "ovgpu.0", 0x80024DBA, Record(2)).get(0, 2), 0u);
   EXPECT_EQ(refusal(driver, "ovgpu.0", 0x40024DB6, Record(2).put(0, 2, 9)), ENOENT);
   ask(driver, "ovgpu.0", 0x40014DB9, Record(1).put(0, 1, 0));

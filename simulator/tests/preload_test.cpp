@@ -122,6 +122,15 @@ TEST_F(SimPreload, ResetIsRefusedWhileAnotherDeviceIsOpen) {
       << "a node of the device itself";
 }
 
+TEST_F(SimPreload, TraceTellsWhyAResetWasRefused) {
+  const std::string trace = scratch / "trace";
+  onHost("bare", {"--trace", trace}, {calls, "reset-beside", "ovgpu.0", "dri/renderD129"});
+  EXPECT_EQ(linesOf(readText(trace)),
+            (std::vector<std::string>{"open /dev/ovgpu.0 ok", "open /dev/dri/renderD129 ok",
+                                      "ioctl ovgpu.0 record 50 1 status=7", "close /dev/dri/renderD129 ok",
+                                      "ioctl ovgpu.0 record 50 1 ok"}));
+}
+
 TEST_F(SimPreload, MemoryIsSharedWithTheDriver) {
   const std::string trace = scratch / "trace";
   const std::string unexpected = scratch / "unexpected";
@@ -278,6 +287,66 @@ TEST_F(SimPreload, FileFaultsStrike) {
                 .out,
             "ok\nInput/output error\nok\n")
       << "counted over all processes of the run";
+}
+
+constexpr int kKilled = 128 + 9;
+
+TEST_F(SimPreload, KilledProcessHasDoneNothing) {
+  const std::string folder = scratch / "kept";
+  const std::string trace = scratch / "trace";
+  const std::string version = "/proc/driver/vela/version";
+  const auto run = [&](const std::string& fault, const std::string& command) {
+    return onHost("bare", {"--state", folder, "--trace", trace, "--fault", fault},
+                  {"sh", "-c", "exec " + calls + " " + command})
+        .status;
+  };
+  EXPECT_EQ(run("ioctl(interface=49):kill", "set-ecc ovgpu.1 1"), kKilled);
+  EXPECT_EQ(run("file(" + version + "):kill", "cat " + version), kKilled);
+  EXPECT_EQ(run("open(/dev/ovgpu.*)#1:kill", "open /dev/ovgpu.0"), kKilled);
+  EXPECT_EQ(run("open(/dev/ovgpu.*)#2:kill", "open /dev/ovgpu.0"), 0);
+  EXPECT_EQ(linesOf(readText(trace)),
+            (std::vector<std::string>{"open /dev/ovgpu.1 ok", "ioctl ovgpu.1 record 49 1 killed",
+                                      "open " + version + " killed", "open /dev/ovgpu.0 killed",
+                                      "open /dev/ovgpu.0 ok"}));
+  EXPECT_TRUE(onHost("bare", {"--state", folder}, {calls, "status", "ovgpu.1", "48", "1", "21"})
+                  .out.starts_with("ok 0 00 00 00 00 00"))
+      << "and whoever comes next gets the lock that it held";
+}
+
+TEST_F(SimPreload, MappingCanKill) {
+  EXPECT_EQ(onHost("legacy", {"--fault", "map(/dev/ovgpu.*)#2:kill"}, {calls, "board", "ovgpu.0"}).status,
+            kKilled);
+}
+
+TEST_F(SimPreload, SwitchThatWasKilledIsBroughtToAnEnd) {
+  const std::string look = "ls -d /dev/ovgpu.* /dev/dri/* " + std::string(kMpcFunction) + "/misc/* " +
+                           std::string(kMpcFunction) + "/drm/*; " + calls + " status ovgpu.1 8 2 60";
+  struct Switch {
+    const char* what;
+    std::string call;
+  };
+  const Switch switches[] = {{"more instances", calls + " status ovgpu.1 12 1 18 1"},
+                             {"other instances", calls + " status ovgpu.1 12 1 18 0"},
+                             {"no instances", calls + " status ovgpu.1 15 1 17 0"}};
+  for (const Switch& one : switches) {
+    const std::string expected = onHost("mpc", {}, {"sh", "-c", one.call + " >/dev/null; " + look}).out;
+    ASSERT_NE(expected, onHost("mpc", {}, {"sh", "-c", look}).out) << one.what;
+    int moves = 0;
+    for (int status = kKilled; status == kKilled; ++moves) {
+      const std::string kill = "move#" + std::to_string(moves + 1) + ":kill";
+      const Outcome outcome =
+          onHost("mpc", {"--fault", kill},
+                 {"sh", "-c", "(" + one.call + ") >/dev/null 2>&1; was=$?; " + look + "; exit $was"});
+      status = outcome.status;
+      EXPECT_EQ(outcome.out, expected) << one.what << ", " << kill;
+    }
+    EXPECT_GE(moves, 3) << one.what;
+    const std::string folder = scratch / one.what;
+    EXPECT_EQ(onHost("mpc", {"--state", folder, "--fault", "move#2:kill"}, {"sh", "-c", one.call}).status,
+              kKilled);
+    EXPECT_EQ(onHost("mpc", {"--state", folder}, {"sh", "-c", look}).out, expected)
+        << one.what << ", looked at by the next run";
+  }
 }
 
 TEST_F(SimPreload, HangDelaysTheAnswer) {

@@ -51,6 +51,8 @@ class TestDriver {
 
   const SimCall& last() const { return lastCall; }
   SimImage* image() { return reinterpret_cast<SimImage*>(bytes.data()); }
+  /// A copy of the image; numbers of 64 bits stand where they may.
+  std::vector<uint64_t> copy() const { return bytes; }
 
  private:
   std::vector<uint64_t> bytes;  // aligned for what the image holds
