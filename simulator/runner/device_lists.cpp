@@ -48,12 +48,16 @@ void setProcesses(const JsonCursor& device, CellMap& cells, std::vector<uint64_t
     const auto kindPlace = process.find("kind");
     const uint64_t kind = kindPlace ? chooseFrom(*kindPlace, {"graphics", "compute"}) : 1;
     const auto systemMemory = process.find("system_memory");
-    setNumber(cells, SIM_PROCESS_PID, pid, key);
+    // The list has pids of the caller's namespace; a sample is asked for one or the other.
+    const auto containerPid = process.find("container_pid");
+    const uint64_t callersPid = containerPid ? containerPid->whole(0, 0xFFFFFFFF) : pid;
+    setNumber(cells, SIM_PROCESS_PID, callersPid, key);
     setNumber(cells, SIM_PROCESS_KIND, kind, key);
     setNumber(cells, SIM_PROCESS_GPU_MEMORY, process.require("gpu_memory").number(), key);
     setNumber(cells, SIM_PROCESS_SYSTEM_MEMORY, systemMemory ? systemMemory->number() : 0, key);
     if (process.find("utilization")) addSample(process, pid, kind, samples++, cells);
     pids.push_back(pid);
+    pids.push_back(callersPid);
   }
   setNumber(cells, SIM_PROCESS_COUNT, row);
   setNumber(cells, SIM_SAMPLE_COUNT, samples);

@@ -113,7 +113,22 @@ TEST(SimShippedHosts, VirtualisationHosts) {
   const Host small = shipped("vgpu");
   EXPECT_EQ(small.functions[0].vgpus.at(0).uuid, "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71");
   EXPECT_EQ(*shipped("guest").functions[0].guestInfo, "type_id=7717,name=OVT B240-8Q,framebuffer=8192");
+  EXPECT_EQ(shipped("guest").functions.size(), 2u);
   EXPECT_FALSE(shipped("bare").functions[0].vgpuTypes);
+}
+
+TEST(SimShippedHosts, ContainerHasSomeNodesAndPidsOfItsOwn) {
+  const Host host = shipped("container");
+  EXPECT_TRUE(host.files.contains("/dev/ovgpu.1"));
+  EXPECT_FALSE(host.files.contains("/dev/ovgpu.0"));
+  for (const uint64_t pid : {17, 23}) EXPECT_TRUE(host.processes.contains(pid)) << pid;
+}
+
+TEST(SimShippedHosts, SriovHasFunctionsOfOneGpu) {
+  const Host host = shipped("sriov");
+  std::vector<bool> virtualFunctions;
+  for (const PciFunction& function : host.functions) virtualFunctions.push_back(function.isVirtualFunction);
+  EXPECT_EQ(virtualFunctions, (std::vector<bool>{false, true, true, false}));
 }
 
 TEST(SimShippedHosts, MpcHasAPlainGpuAndAParentWithTwoInstances) {

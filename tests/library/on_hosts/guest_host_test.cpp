@@ -1,20 +1,29 @@
+#include <iterator>
+
 #include "on_hosts/host_fixture.h"
 
-// A virtual machine with one vGPU.
+// A virtual machine with two vGPUs.
 
 namespace {
 
 class GuestHost : public tolk_test::HostFixture {};
 
-TEST_F(GuestHost, HasOneGpuWithoutUuid) {
-  ASSERT_EQ(count(), 1U);
-  EXPECT_EQ(uuid(device(0)), "Unknown Error");
-  EXPECT_EQ(name(device(0)), "OV vGPU B240-1e25");
-  LumoDevice* byAddress = nullptr;
-  EXPECT_EQ(lumoLibraryInitDeviceByUuid(library_, "0000:00:05.0", &byAddress), LUMO_RETURN_SUCCESS);
-  EXPECT_EQ(byAddress, device(0));
-  EXPECT_EQ(lumoLibraryInitDeviceByPciSbdf(library_, "0000:00:05.0", &byAddress), LUMO_RETURN_SUCCESS);
-  EXPECT_EQ(byAddress, device(0));
+// What cannot be told apart by a uuid is told apart by where it is.
+TEST_F(GuestHost, FindsGpusWithoutUuidByAddress) {
+  const struct {
+    const char* name;
+    const char* address;
+  } gpus[] = {{"OV vGPU B240-1e25", "0000:00:05.0"}, {"OV vGPU B230-b", "0000:00:06.0"}};
+  ASSERT_EQ(count(), std::size(gpus));
+  for (unsigned int i = 0; i < std::size(gpus); ++i) {
+    EXPECT_EQ(uuid(device(i)), "Unknown Error");
+    EXPECT_EQ(name(device(i)), gpus[i].name);
+    LumoDevice* byAddress = nullptr;
+    EXPECT_EQ(lumoLibraryInitDeviceByUuid(library_, gpus[i].address, &byAddress), LUMO_RETURN_SUCCESS);
+    EXPECT_EQ(byAddress, device(i));
+    EXPECT_EQ(lumoLibraryInitDeviceByPciSbdf(library_, gpus[i].address, &byAddress), LUMO_RETURN_SUCCESS);
+    EXPECT_EQ(byAddress, device(i));
+  }
 }
 
 TEST_F(GuestHost, ShowsWhatAGuestMayKnow) {
