@@ -99,6 +99,13 @@ void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFa
       case SIM_EFFECT_KILL:
         result->isKilled = 1;
         break;
+      case SIM_EFFECT_TAKE: {
+        uint64_t notYet = SIM_TAKE_NOT_YET;
+        __atomic_compare_exchange_n(&fault->number, &notYet, SIM_TAKE_DUE, 0, __ATOMIC_ACQ_REL,
+                                    __ATOMIC_RELAXED);
+        result->takes = 1;
+        break;
+      }
       case SIM_EFFECT_CUT:
         result->cut = (int64_t)fault->number;
         break;
@@ -110,4 +117,39 @@ void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFa
         break;
     }
   }
+}
+
+const char* simNextToTake(SimImage* image) {
+  SimFault* const faults = SIM_AT(image, SimFault, faults);
+  for (uint32_t i = 0; i < image->faults.count; ++i) {
+    SimFault* const fault = &faults[i];
+    uint64_t due = SIM_TAKE_DUE;
+    if (fault->effect == SIM_EFFECT_TAKE &&
+        __atomic_compare_exchange_n(&fault->number, &due, SIM_TAKE_DONE, 0, __ATOMIC_ACQ_REL,
+                                    __ATOMIC_RELAXED)) {
+      return (const char*)image + fault->text;
+    }
+  }
+  return 0;
+}
+
+static int liesIn(const char* path, const char* folder) {
+  while (*folder && *folder == *path) {
+    ++folder;
+    ++path;
+  }
+  return !*folder && (!*path || *path == '/');
+}
+
+int simIsTaken(const SimImage* image, const char* path) {
+  const SimFault* const faults = SIM_AT(image, const SimFault, faults);
+  for (uint32_t i = 0; i < image->faults.count; ++i) {
+    const SimFault* const fault = &faults[i];
+    if (fault->effect == SIM_EFFECT_TAKE &&
+        __atomic_load_n(&fault->number, __ATOMIC_ACQUIRE) != SIM_TAKE_NOT_YET &&
+        liesIn(path, (const char*)image + fault->text)) {
+      return 1;
+    }
+  }
+  return 0;
 }

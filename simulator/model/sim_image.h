@@ -141,6 +141,9 @@ enum SimFaultTarget {
   SIM_FAULT_MOVE,  // moving the file of a node that comes or goes
 };
 
+// How far a path is that a fault takes away. It is hidden from the first step on.
+enum SimTaking { SIM_TAKE_NOT_YET, SIM_TAKE_DUE, SIM_TAKE_DONE };
+
 enum SimFaultEffect {
   SIM_EFFECT_ERRNO,
   SIM_EFFECT_STATUS,
@@ -152,6 +155,7 @@ enum SimFaultEffect {
   SIM_EFFECT_CUT,    // the file ends after `number` bytes
   SIM_EFFECT_TEXT,   // the file holds the text instead
   SIM_EFFECT_KILL,   // the process is killed before the access does anything
+  SIM_EFFECT_TAKE,   // the path of `text` is taken away; `number` is an enum SimTaking
 };
 
 enum SimCallKind {
@@ -176,7 +180,7 @@ typedef struct SimFault {
   uint32_t interfaceName;
   uint32_t request;
   uint32_t pattern;  // offset of the NUL-ended glob of path or node name; 0 any
-  uint32_t text;     // offset of the text of SIM_EFFECT_TEXT
+  uint32_t text;     // offset of the text of SIM_EFFECT_TEXT, of the path of SIM_EFFECT_TAKE
   uint32_t textLength;
   uint64_t first;  // the matching accesses that it strikes, counted from 1
   uint64_t last;

@@ -117,6 +117,7 @@ typedef struct SimFileFault {
   int error;  // errno, 0 none
   uint64_t hangMs;
   int isKilled;      // the process is to be killed
+  int takes;         // there are paths for simNextToTake
   int64_t cut;       // bytes that stay, -1 all
   const char* text;  // instead of the content, null none
   size_t textLength;
@@ -126,6 +127,12 @@ enum SimAim { SIM_AIM_LOOK, SIM_AIM_OPEN, SIM_AIM_MAP, SIM_AIM_MOVE };
 
 // Counts the access against every fault that matches it.
 void simFileFaults(SimImage* image, const char* path, enum SimAim aim, SimFileFault* fault);
+
+// The next path that was struck and has to be taken away by the shell; null when there is no more.
+const char* simNextToTake(SimImage* image);
+
+// Whether a fault has taken the path away, or a folder that it lies in.
+int simIsTaken(const SimImage* image, const char* path);
 
 // Globs of faults: * and ? stay within a folder, ** does not.
 int simGlobMatches(const char* pattern, const char* text);

@@ -1,5 +1,6 @@
 #include <errno.h>
 #include <fcntl.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
@@ -11,6 +12,22 @@
 // What the launcher looks for is no access of the program's: it is neither struck nor traced.
 static int isCanary(const Access* access) {
   return strcmp(access->logical, "/sys/.ovgpu-sim") == 0;
+}
+
+// What the machine takes away meanwhile: out of the tree, whole and at once.
+static void takeAway(const Shell* shell) {
+  typedef int (*Rename)(const char*, const char*);
+  const char* path;
+  while ((path = simNextToTake(shell->image))) {
+    char from[PATH_MAX];
+    char to[PATH_MAX];
+    const int saved = errno;
+    const int fits = snprintf(from, sizeof from, "%s%s", shell->tree, path) < (int)sizeof from &&
+                     snprintf(to, sizeof to, "%s-taken-%zu", shell->tree,
+                              (size_t)(path - (const char*)shell->image)) < (int)sizeof to;
+    if (fits) REAL(Rename, "rename")(from, to);
+    errno = saved;
+  }
 }
 
 int accessBegin(Access* access, const char* operation, const char* path, enum AccessAim aim) {
@@ -33,6 +50,11 @@ int accessBegin(Access* access, const char* operation, const char* path, enum Ac
     if (access->fault.isKilled) {
       shellTrace(access->shell, operation, access->logical, "killed");
       shellKill();
+    }
+    if (access->fault.takes) {
+      takeAway(access->shell);
+      if (pathFind(access->shell, path, access->logical, access->host) == PATH_REMOVED)
+        access->fault.error = ENOENT;
     }
     if (access->fault.hangMs) shellSleepMs(access->fault.hangMs);
   }

@@ -80,7 +80,7 @@ static int typeOf(const char* path) {
 }
 
 static enum PathKind findInOverlay(const Shell* shell, const char* logical, const char* host) {
-  if (isRemoved(shell->image, logical)) return PATH_REMOVED;
+  if (isRemoved(shell->image, logical) || simIsTaken(shell->image, logical)) return PATH_REMOVED;
   const int saved = errno;
   const int type = typeOf(host);
   // A folder of the host is the machine's when that has it too: /proc/<pid> must stay whole.

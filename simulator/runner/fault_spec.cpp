@@ -43,6 +43,8 @@ constexpr std::string_view kHelp = R"(A fault is TARGET[(SELECTION)][#WHEN]:EFFE
              gone               ioctl: the device vanishes with this call
              cut=N              file, open: the file ends after N bytes
              text=TEXT          file, open: the file holds TEXT; \n, \0, \\ and \xHH are understood
+             take=PATH          file, open: PATH, a file, link or folder of the host, is gone before the
+                                access does anything, and stays away
 
   --fault 'ioctl#3:errno=EIO'                           the third ioctl of the run fails
   --fault 'ioctl(interface=56,node=ovgpu.1):status=11'  every temperature of one GPU
@@ -201,6 +203,7 @@ class Parser {
         {"gone", SIM_EFFECT_GONE, false, kIoctl},
         {"cut", SIM_EFFECT_CUT, true, kFile},
         {"text", SIM_EFFECT_TEXT, true, kFile},
+        {"take", SIM_EFFECT_TAKE, true, kFile},
     };
     // By SimFaultTarget.
     static constexpr struct {
@@ -236,6 +239,10 @@ class Parser {
       spec.fault.number = static_cast<uint64_t>(*error);
     } else if (spec.fault.effect == SIM_EFFECT_TEXT) {
       spec.text = unescape();
+    } else if (spec.fault.effect == SIM_EFFECT_TAKE) {
+      if (!rest.starts_with('/') || rest.ends_with('/'))
+        fail("a path begins with \"/\" and ends without; found \"" + std::string(rest) + "\"");
+      spec.text = rest;
     } else {
       spec.fault.number = number(rest, name);
     }

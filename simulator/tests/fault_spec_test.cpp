@@ -59,6 +59,16 @@ TEST(SimFaultSpec, TextUnderstandsEscapes) {
             std::string("a:b=c\nA\\\0z", 10));
 }
 
+TEST(SimFaultSpec, WhatIsTakenIsAPath) {
+  const FaultSpec spec = parseFault("file(/sys/a)#3:take=/sys/bus/pci/devices/0000:01:00.0");
+  EXPECT_EQ(spec.fault.effect, SIM_EFFECT_TAKE);
+  EXPECT_EQ(spec.text, "/sys/bus/pci/devices/0000:01:00.0");
+  EXPECT_EQ(spec.fault.number, SIM_TAKE_NOT_YET);
+  EXPECT_NE(errorOf("file:take=sys/a").find("begins with \"/\""), std::string::npos);
+  EXPECT_NE(errorOf("file:take=/sys/a/").find("ends without"), std::string::npos);
+  EXPECT_NE(errorOf("ioctl:take=/sys/a").find("effect on an ioctl"), std::string::npos);
+}
+
 TEST(SimFaultSpec, PathMayHoldColons) {
   const FaultSpec spec = parseFault("file(/sys/bus/pci/devices/0000:01:00.0/config)#1:cut=64");
   EXPECT_EQ(spec.pattern, "/sys/bus/pci/devices/0000:01:00.0/config");
@@ -89,7 +99,7 @@ TEST(SimFaultSpec, MistakesAreNamed) {
        "(errno, hang, kill, status, short, ones, count, gone)"},
       {"file(/sys/x):gone",
        "fault \"file(/sys/x):gone\": unknown effect on a file \"gone\" "
-       "(errno, hang, kill, cut, text)"},
+       "(errno, hang, kill, cut, text, take)"},
       {"ioctl:gone=1", "fault \"ioctl:gone=1\": \"gone\" takes no value"},
       {"ioctl:status", "fault \"ioctl:status\": \"status\" needs a value: status=..."},
       {"ioctl(interfac=3):ones",

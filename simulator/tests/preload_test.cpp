@@ -289,6 +289,28 @@ TEST_F(SimPreload, FileFaultsStrike) {
       << "counted over all processes of the run";
 }
 
+TEST_F(SimPreload, WhatIsTakenIsGoneFromThenOn) {
+  const std::string uuid = "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71";
+  const std::string link = "/sys/bus/mdev/devices/" + uuid;
+  const std::string folder = "/sys/bus/pci/devices/0000:01:00.0/" + uuid;
+  const std::string id = link + "/ovgpu_vgpu/vgpu_id";
+  const std::string open = calls + " open " + id + "; ";
+  const std::string list = "ls /sys/bus/mdev/devices; ";
+  EXPECT_EQ(
+      onHost("vgpu", {"--fault", "file(" + id + ")#2:take=" + folder}, {"sh", "-c", open + open + list}).out,
+      "ok\nNo such file or directory\n" + uuid + "\n")
+      << "a folder with all in it, and no more";
+  EXPECT_EQ(
+      onHost("vgpu", {"--fault", "open(" + id + "):take=" + link}, {"sh", "-c", open + open + list}).out,
+      "No such file or directory\nNo such file or directory\n");
+  const std::string cmdline = "/proc/5151/cmdline";
+  EXPECT_EQ(onHost("vgpu", {"--fault", "file(" + id + "):take=" + cmdline},
+                   {"sh", "-c", open + calls + " open " + cmdline})
+                .out,
+            "ok\nNo such file or directory\n")
+      << "nor is a process of the machine found there";
+}
+
 constexpr int kKilled = 128 + 9;
 
 TEST_F(SimPreload, KilledProcessHasDoneNothing) {
