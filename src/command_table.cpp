@@ -24,6 +24,7 @@
 #include "command_access/tolk_command_access.h"
 #include "command_access/topo_command_access.h"
 #include "command_access/version_command_access.h"
+#include "command_access/vgpu_command_access.h"
 #include "value_pattern.h"
 
 namespace tolk {
@@ -87,7 +88,7 @@ constexpr CommandFactory kTolkCommand{.make = getFn<TolkCommandAccess>, .splitsI
 constexpr CommandFactory kHelpCommand{.make = getFn<HelpCommandAccess>};
 constexpr CommandFactory kVersionCommand{.make = getFn<VersionCommandAccess>, .splitsIds = true};
 constexpr CommandFactory kQueryCommand{.make = getFn<QueryCommandAccess>, .loopUnitMs = kSeconds};
-constexpr CommandFactory kVgpuCommand{.loopUnitMs = kSeconds};
+constexpr CommandFactory kVgpuCommand{.make = getFn<VgpuCommandAccess>, .loopUnitMs = kSeconds};
 constexpr CommandFactory kTopoCommand{.make = getFn<TopoCommandAccess>};
 constexpr CommandFactory kEncoderSessionsCommand{.make = getFn<EncoderSessionsCommandAccess>,
                                                  .loopUnitMs = kSeconds};

@@ -15,7 +15,7 @@ namespace tolk {
 
 namespace {
 
-/// No parameter file is longer; what goes on and on is not one.
+/// No parameter file and no command line of a virtual machine is longer; what goes on and on is neither.
 constexpr std::size_t kLongestFile = 1 << 20;
 
 }  // namespace
@@ -25,19 +25,25 @@ bool hostHasMdevBus() {
   return std::filesystem::exists("/sys/class/mdev_bus", ignored);
 }
 
-bool isTargetEnv(const char* path) {
+std::optional<std::string> readWholeFile(const char* path) {
   std::ifstream file(path);
-  if (!file) {
-    TOLK_LOG(kError) << "failed to open env path";
-    return false;
-  }
+  if (!file) return std::nullopt;
   std::string text;
   std::array<char, 4096> block;
   while (file && text.size() < kLongestFile) {
     file.read(block.data(), block.size());
     text.append(block.data(), static_cast<std::size_t>(file.gcount()));
   }
-  std::istringstream lines(std::move(text));
+  return text;
+}
+
+bool isTargetEnv(const char* path) {
+  auto text = readWholeFile(path);
+  if (!text) {
+    TOLK_LOG(kError) << "failed to open env path";
+    return false;
+  }
+  std::istringstream lines(*std::move(text));
   for (std::string line; std::getline(lines, line);) {
     if (line == "envType: 0") return true;
   }

@@ -1,10 +1,17 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 namespace tolk {
 
 /// Whether this host can carry mediated devices. Its GPUs then share their memory with guests, and
 /// processes belong to the guests.
 bool hostHasMdevBus();
+
+/// The text of a small file, cut where it is longer than such a file can be; nothing when it cannot be
+/// opened.
+std::optional<std::string> readWholeFile(const char* path);
 
 /// Where a container or a machine image names the environment it was made for.
 inline constexpr const char* kEnvironmentFile = "/etc/ovparams";

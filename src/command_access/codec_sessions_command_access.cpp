@@ -3,7 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "command_access/codec_name.h"
 #include "command_access/lumo_access/lumo_access_factory.h"
 #include "command_error.h"
 #include "command_output/codec_session_output.h"
@@ -42,25 +41,7 @@ LumoReturn CodecSessionsCommandAccess::querySessions(std::uint32_t index,
                                                      nlohmann::ordered_json& document) const {
   const auto device = accessFactory->getAccessDeviceById(index);
   if (!device) return LUMO_RETURN_NOT_FOUND;
-
-  SessionStates states;
-  if (const LumoReturn ret = ((*device).*kind_.states)(states); ret != LUMO_RETURN_SUCCESS) {
-    TOLK_LOG(kError) << kind_.noStates << ret;
-    return ret;
-  }
-  for (const auto& [session, state] : states) {
-    if (state != LUMO_VPU_SESSION_ACTIVE) continue;
-    LumoVpuSessionMetrics metrics{};
-    if (const LumoReturn ret = ((*device).*kind_.metrics)(session, metrics); ret != LUMO_RETURN_SUCCESS) {
-      TOLK_LOG(kError) << kind_.noMetrics << ret;
-      return ret;
-    }
-    document[std::to_string(index)][std::to_string(session)] = {
-        {"Pid", std::to_string(metrics.pid)},          {"Codec Type", codecName(metrics.codec)},
-        {"hResolution", std::to_string(metrics.hRes)}, {"vResolution", std::to_string(metrics.vRes)},
-        {"frameRate", std::to_string(metrics.fps)},    {"bitRate(kbps)", std::to_string(metrics.bitrate)}};
-  }
-  return LUMO_RETURN_SUCCESS;
+  return queryActiveSessions(*device, kind_, std::to_string(index), document);
 }
 
 }  // namespace tolk

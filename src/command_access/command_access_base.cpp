@@ -73,7 +73,9 @@ std::shared_ptr<Step> CommandAccessBase::countDevices(const StartWording& wordin
     TOLK_LOG(kError) << "lumoLibraryCountDevice() failed, ret = " << ret;
     return failed(wording.noCount);
   }
-  return count == 0 ? failed(wording.noDevice) : nullptr;
+  if (count > 0) return nullptr;
+  if (wording.noDeviceLog != nullptr) TOLK_LOG(kError) << wording.noDeviceLog;
+  return failed(wording.noDevice);
 }
 
 std::shared_ptr<Step> CommandAccessBase::orderDevices(const StartWording& wording, std::uint32_t count,

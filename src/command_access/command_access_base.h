@@ -24,6 +24,7 @@ struct StartWording {
   StartFailure noCount{"Error: failed to get the number of GPU device", ExitCode::kEnumerationFailed};
   StartFailure noDevice{"Error: No OV GPU device found.", ExitCode::kNoDevice};
   StartFailure noOrder{"Error: failed to find GPU devices", ExitCode::kEnumerationFailed};
+  const char* noDeviceLog = nullptr;  ///< what the log says when there is no device, nothing by default
 };
 
 inline constexpr const char* kNotAvailable =

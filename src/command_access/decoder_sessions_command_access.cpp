@@ -5,10 +5,6 @@
 namespace tolk {
 
 DecoderSessionsCommandAccess::DecoderSessionsCommandAccess(ParsedOptions parsedOptions)
-    : CodecSessionsCommandAccess(std::move(parsedOptions),
-                                 {.states = &LumoAccessDevice::vpuGetDecoderSessionStates,
-                                  .metrics = &LumoAccessDevice::vpuGetDecoderSessionMetrics,
-                                  .noStates = "get decoder session states failed, ret = ",
-                                  .noMetrics = "get decoder session metrics failed, ret = "}) {}
+    : CodecSessionsCommandAccess(std::move(parsedOptions), kDecoderSessions) {}
 
 }  // namespace tolk

@@ -5,10 +5,6 @@
 namespace tolk {
 
 EncoderSessionsCommandAccess::EncoderSessionsCommandAccess(ParsedOptions parsedOptions)
-    : CodecSessionsCommandAccess(std::move(parsedOptions),
-                                 {.states = &LumoAccessDevice::vpuGetEncoderSessionStates,
-                                  .metrics = &LumoAccessDevice::vpuGetEncoderSessionMetrics,
-                                  .noStates = "get encoder session states failed, ret = ",
-                                  .noMetrics = "get encoder session metrics failed, ret = "}) {}
+    : CodecSessionsCommandAccess(std::move(parsedOptions), kEncoderSessions) {}
 
 }  // namespace tolk

@@ -24,6 +24,7 @@ struct LumoEntry {
   const char* source;
   unsigned line;
   const char* caller;
+  const char* failure = nullptr;  ///< words for the log in place of the name
 };
 
 #define LUMO_ENTRY(function)                                  \
@@ -31,13 +32,23 @@ struct LumoEntry {
     &(function), #function, __FILE_NAME__, __LINE__, __func__ \
   }
 
+/// The same with words of its own for a failure, in front of the status.
+#define LUMO_ENTRY_SAYING(function, failure)                           \
+  ::tolk::LumoEntry {                                                  \
+    &(function), #function, __FILE_NAME__, __LINE__, __func__, failure \
+  }
+
 /// Makes a timed call and logs its failure.
 template <class Function, class... Arguments>
 LumoReturn callLumo(const LumoEntry<Function>& entry, Arguments... arguments) {
   const LumoReturn ret = wrapperLumo(entry.name, entry.function, arguments...);
   if (ret != LUMO_RETURN_SUCCESS) {
-    rusk::LogLine(entry.source, entry.line, entry.caller, rusk::LogLevel::kError, frontLogger())
-        << entry.name << "() failed, ret = " << ret;
+    rusk::LogLine line(entry.source, entry.line, entry.caller, rusk::LogLevel::kError, frontLogger());
+    if (entry.failure != nullptr) {
+      line << entry.failure << ret;
+    } else {
+      line << entry.name << "() failed, ret = " << ret;
+    }
   }
   return ret;
 }
