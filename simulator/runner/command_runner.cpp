@@ -54,7 +54,7 @@ bool isStatic(const std::string& file) {
   return true;
 }
 
-void setEnvironment(const Installation& parts, const HostFolder& folder, const std::string& traceFile) {
+void setEnvironment(const Installation& parts, const HostFolder& folder, const CommandSetting& setting) {
   const auto append = [](const char* name, const std::string& more, bool front) {
     const char* const old = std::getenv(name);
     const std::string before = old ? old : "";
@@ -68,18 +68,22 @@ void setEnvironment(const Installation& parts, const HostFolder& folder, const s
   append("ASAN_OPTIONS", "verify_asan_link_order=0", false);
   setenv("OVGPU_SIM_ROOT", folder.path().c_str(), 1);
   setenv("OVGPU_SIM_CANARY", folder.canary().c_str(), 1);
-  if (traceFile.empty()) {
-    unsetenv("OVGPU_SIM_TRACE");
-  } else {
-    setenv("OVGPU_SIM_TRACE", traceFile.c_str(), 1);
-  }
+  const auto tell = [](const char* name, const std::string& value) {
+    if (value.empty()) {
+      unsetenv(name);
+    } else {
+      setenv(name, value.c_str(), 1);
+    }
+  };
+  tell("OVGPU_SIM_TRACE", setting.traceFile);
+  tell("OVGPU_SIM_USER", setting.user);
 }
 
 [[noreturn]] void startChild(const Installation& parts, const HostFolder& folder,
-                             const std::string& traceFile, const std::vector<std::string>& command,
+                             const CommandSetting& setting, const std::vector<std::string>& command,
                              const sigset_t& mask) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
-  setEnvironment(parts, folder, traceFile);
+  setEnvironment(parts, folder, setting);
   std::vector<char*> arguments;
   std::string launcher = parts.launcher.string();
   arguments.push_back(launcher.data());
@@ -104,7 +108,7 @@ void checkCommand(const std::string& command) {
   }
 }
 
-int runCommand(const Installation& parts, const HostFolder& folder, const std::string& traceFile,
+int runCommand(const Installation& parts, const HostFolder& folder, const CommandSetting& setting,
                const std::vector<std::string>& command) {
   // Until the child is known, signals wait. Those of the keyboard reach the command by themselves.
   sigset_t blocked;
@@ -113,7 +117,7 @@ int runCommand(const Installation& parts, const HostFolder& folder, const std::s
   sigprocmask(SIG_SETMASK, &blocked, &before);
   const pid_t child = fork();
   if (child < 0) throw HostError(std::string("cannot start a process: ") + std::strerror(errno));
-  if (child == 0) startChild(parts, folder, traceFile, command, before);
+  if (child == 0) startChild(parts, folder, setting, command, before);
   childPid = child;
   struct sigaction action {};
   action.sa_handler = SIG_IGN;

@@ -11,8 +11,14 @@
 /// Refuses, with HostError, a command that the preload library cannot get into.
 void checkCommand(const std::string& command);
 
-/// The exit status to end with. `traceFile` is empty when nothing is traced.
-int runCommand(const Installation& parts, const HostFolder& folder, const std::string& traceFile,
+/// What the command's environment tells the preload library; empty where it is to do nothing.
+struct CommandSetting {
+  std::string traceFile;
+  std::string user;
+};
+
+/// The exit status to end with.
+int runCommand(const Installation& parts, const HostFolder& folder, const CommandSetting& setting,
                const std::vector<std::string>& command);
 
 #endif

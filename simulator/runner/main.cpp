@@ -51,13 +51,14 @@ int run(const Options& options) {
   const std::vector<FaultSpec> faults = parseFaults(host, options.faults);
   HostFolder folder(options.stateFolder.value_or(""));
   folder.prepare(host, faults);
-  const std::string trace =
-      options.traceFile ? std::filesystem::absolute(*options.traceFile).string() : std::string();
-  if (!options.unexpectedFile) return runCommand(parts, folder, trace, options.command);
+  const CommandSetting setting{
+      .traceFile = options.traceFile ? std::filesystem::absolute(*options.traceFile).string() : "",
+      .user = options.user.value_or("")};
+  if (!options.unexpectedFile) return runCommand(parts, folder, setting, options.command);
   // Opened before the command runs: one that cannot be told of is not run.
   std::ofstream unexpected(*options.unexpectedFile, std::ios::binary | std::ios::trunc);
   if (!unexpected) throw HostError("cannot write " + *options.unexpectedFile);
-  const int status = runCommand(parts, folder, trace, options.command);
+  const int status = runCommand(parts, folder, setting, options.command);
   unexpected << unexpectedCalls(folder.image());
   return status;
 }

@@ -8,7 +8,7 @@ namespace {
 constexpr std::string_view kHelp = R"(Runs a command as though on a machine with Orvane GPUs.
 
   ovgpu-sim [--host NAME|FILE] [--state DIR] [--fault SPEC]... [--trace FILE]
-            [--unexpected FILE] -- COMMAND [ARGUMENT]...
+            [--unexpected FILE] [--user ID] -- COMMAND [ARGUMENT]...
   ovgpu-sim --list-hosts
   ovgpu-sim --help
 
@@ -20,6 +20,7 @@ constexpr std::string_view kHelp = R"(Runs a command as though on a machine with
   --trace FILE       appends a line for every access of the host's files and every ioctl
   --unexpected FILE  writes what the driver was asked for and did not offer: a line for each such call,
                      nothing when there was none
+  --user ID          the effective user that the command is told it runs as; its rights stay the same
   --list-hosts       the hosts that can be named
 
 The exit status is that of the command, 128 + n when signal n ended it, 2 when ovgpu-sim itself fails,
@@ -37,11 +38,12 @@ std::string_view optionsHelp() {
 Options parseOptions(const std::vector<std::string>& arguments) {
   Options options;
   static const std::vector<std::string_view> kKnown{"--host",       "--state",      "--fault", "--trace",
-                                                    "--unexpected", "--list-hosts", "--help"};
+                                                    "--unexpected", "--user",       "--list-hosts", "--help"};
   const auto placeOf = [&](std::string_view name) -> std::optional<std::string>* {
     if (name == "--host") return &options.host;
     if (name == "--state") return &options.stateFolder;
     if (name == "--trace") return &options.traceFile;
+    if (name == "--user") return &options.user;
     return name == "--unexpected" ? &options.unexpectedFile : nullptr;
   };
   size_t i = 0;
@@ -75,6 +77,10 @@ Options parseOptions(const std::vector<std::string>& arguments) {
   }
   if (i < arguments.size())
     options.command.assign(arguments.begin() + static_cast<long>(i) + 1, arguments.end());
+  if (options.user && (options.user->empty() || options.user->size() > 9 ||
+                       options.user->find_first_not_of("0123456789") != std::string::npos)) {
+    throw HostError("--user needs a number; found \"" + *options.user + "\"");
+  }
   if (options.help || options.listHosts) return options;
   if (options.command.empty()) throw HostError("no command; it stands behind \"--\"");
   return options;

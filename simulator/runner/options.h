@@ -12,6 +12,7 @@ struct Options {
   std::optional<std::string> stateFolder;
   std::optional<std::string> traceFile;
   std::optional<std::string> unexpectedFile;
+  std::optional<std::string> user;
   std::vector<std::string> faults;
   bool listHosts = false;
   bool help = false;

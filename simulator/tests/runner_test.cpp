@@ -25,6 +25,11 @@ TEST_F(SimRunner, StatusIsThatOfTheCommand) {
   EXPECT_EQ(runSimulator({"--", calls, "kill", std::to_string(SIGTERM)}).status, 128 + SIGTERM);
 }
 
+TEST_F(SimRunner, CommandIsToldAnotherUser) {
+  EXPECT_EQ(runSimulator({"--user", "1000", "--", "id", "-u"}).out, "1000\n");
+  EXPECT_EQ(runSimulator({"--", "id", "-u"}).out, std::to_string(geteuid()) + "\n");
+}
+
 TEST_F(SimRunner, CommandThatCannotBeStarted) {
   const Outcome absent = runSimulator({"--", "/no/such/program"});
   EXPECT_EQ(absent.status, 127);
@@ -44,6 +49,7 @@ TEST_F(SimRunner, OwnErrorsAreStatusTwoAndSayWhatIsWrong) {
       {{"--hots", "bare", "--", "true"}, "ovgpu-sim: unknown option \"--hots\"; did you mean \"--host\"?\n"},
       {{"--host"}, "ovgpu-sim: --host needs a value\n"},
       {{"--host", "a", "--host", "b", "--", "true"}, "ovgpu-sim: --host is given twice\n"},
+      {{"--user", "root", "--", "true"}, "ovgpu-sim: --user needs a number; found \"root\"\n"},
       {{"--fault", "ioctl:errno=X", "--", "true"},
        "ovgpu-sim: fault \"ioctl:errno=X\": unknown errno \"X\"; one such as EIO is expected\n"},
       {{"--trace", "/no/such/folder/trace", "--", "true"},

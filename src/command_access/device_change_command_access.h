@@ -15,7 +15,6 @@ class DeviceChangeCommandAccess : public CommandAccessBase {
  public:
   using CommandAccessBase::CommandAccessBase;
 
- protected:
   /// A device with its position in the library's order.
   struct Target {
     std::uint32_t index = 0;
@@ -23,6 +22,7 @@ class DeviceChangeCommandAccess : public CommandAccessBase {
   };
   using Targets = std::vector<Target>;
 
+ protected:
   /// Refuses a host with mediated devices, whose guests would not know of the change.
   static std::shared_ptr<Step> refuseMdevBus();
 

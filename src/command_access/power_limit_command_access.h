@@ -11,7 +11,6 @@ class PowerLimitCommandAccess : public DeviceChangeCommandAccess {
 
   std::shared_ptr<Step> work() override;
 
- private:
   /// Sets one device after the other; one that does not take the limit ends it.
   /// @param limit watts
   static std::shared_ptr<Step> runSet(const Targets& targets, double limit, bool persistent);

@@ -11,7 +11,6 @@ class ResetGpuCommandAccess : public DeviceChangeCommandAccess {
 
   std::shared_ptr<Step> work() override;
 
- private:
   /// Resets one device after the other. A reset that fails ends it, with those behind it as they were.
   std::shared_ptr<Step> runReset(const Targets& targets) const;
 };

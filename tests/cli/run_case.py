@@ -74,7 +74,7 @@ class Runner:
         host = case.get("host", "none")
         faults = case.get("faults", [])
         if not self.simulator:
-            if host != "none" or faults:
+            if host != "none" or faults or "user" in case:
                 raise Skip("needs ovgpu-sim")
             return [self.tool, *args]
         if isinstance(host, dict):
@@ -86,6 +86,8 @@ class Runner:
         options = ["--host", host]
         for fault in faults:
             options += ["--fault", fault]
+        if "user" in case:
+            options += ["--user", str(case["user"])]
         return [self.simulator, *options, "--", self.tool, *args]
 
     def run(self, case, folder, scratch):
