@@ -8,59 +8,23 @@ every way that there is, those after it in one of the ways by turns; with --by-t
 out that the command begins with as another one does, which has a sweep of its own.
 """
 import argparse
-import os.path
 import pathlib
 import shlex
 import sys
 import tempfile
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from accesses import accesses, begin_in_common  # noqa: E402
 from simulated import ABORTED, Simulated  # noqa: E402
-
-IOCTL_WAYS = ("errno=EIO", "status=11", "ones", "gone")
-LOOK_WAYS = ("errno=ENOENT", "errno=EACCES")
-OPEN_WAYS = ("errno=EACCES", "text=garbage", "text=")
-# Nodes hold nothing that could be read.
-NODE_WAYS = ("errno=ENODEV", "errno=EACCES")
-MAP_WAYS = ("errno=ENOMEM",)
-# The simulator's own proof that the host is in place.
-PROOF = "/sys/.ovgpu-sim"
-
-
-def accesses(trace):
-    """The fault's target, the kind and the ways to fail of every access, in order."""
-    ioctls = 0
-    counts = {}
-    maps = {}
-    for line in trace.read_text().splitlines():
-        operation, *subject, _ = line.split(" ")
-        if operation == "ioctl":
-            ioctls += 1
-            yield f"ioctl#{ioctls}", tuple(subject[1:]), IOCTL_WAYS
-            continue
-        (path,) = subject
-        if operation in ("mmap", "munmap"):
-            # Taking memory back does not fail.
-            if operation == "mmap":
-                maps[path] = maps.get(path, 0) + 1
-                yield f"map({path})#{maps[path]}", ("map", path), MAP_WAYS
-            continue
-        counts[path] = counts.get(path, 0) + 1
-        if path == PROOF:
-            continue
-        ways = LOOK_WAYS
-        if operation == "open":
-            ways = NODE_WAYS if path.startswith("/dev/") else OPEN_WAYS
-        yield f"file({path})#{counts[path]}", path, ways
 
 
 def faults(all_accesses, begin, by_turns):
     seen = set()
-    for number, (target, kind, ways) in enumerate(all_accesses[begin:]):
-        every = kind not in seen and not by_turns
-        seen.add(kind)
-        for way in ways if every else ways[number % len(ways):][:1]:
-            yield f"{target}:{way}"
+    for number, access in enumerate(all_accesses[begin:]):
+        every = access.kind not in seen and not by_turns
+        seen.add(access.kind)
+        for way in access.ways if every else access.ways[number % len(access.ways):][:1]:
+            yield f"{access.target}:{way}"
 
 
 def is_stated_abort(fault, run):
@@ -93,7 +57,7 @@ def main():
         clean, all_accesses = traced(given.arguments)
         begin = 0
         if given.beyond is not None:
-            begin = len(os.path.commonprefix([all_accesses, traced(given.beyond)[1]]))
+            begin = begin_in_common(all_accesses, traced(given.beyond)[1])
         failures = []
         changed = 0
         tried = list(faults(all_accesses, begin, given.by_turns))
