@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs every command on a host; its drivers are asked for nothing that they did not offer.
+"""Runs every command on a host; its drivers are asked for nothing that they did not offer, and only the nodes
+that are there are opened.
 
 usage: every_command.py --tool FILE --simulator FILE HOST
 """
@@ -34,6 +35,8 @@ def main():
             if alone:
                 failures.append(run.told(["not offered:", *alone]))
         failures.append("not offered, by all commands one after the other:\n  " + "\n  ".join(asked.unexpected))
+    if asked.absent:
+        failures.append("opened, and not there:\n  " + "\n  ".join(asked.absent))
     for failure in failures:
         print("\n" + failure)
     return 1 if failures else 0

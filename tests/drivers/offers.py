@@ -24,6 +24,8 @@ class Asked:
     requests: int
     # As the simulator tells them: how often, node, kind, interface and version.
     unexpected: list
+    # Paths of nodes that were opened although they are never there.
+    absent: list
 
 
 def command_lines(path):
@@ -51,4 +53,6 @@ def ask(simulated: Simulated, host, lines, options=()):
                     (folder / f"{i}.err").read_bytes()) for i, line in enumerate(lines)]
         calls = [line.split(" ") for line in trace.read_text().splitlines()]
         requests = sum(call[0] == "ioctl" and call[2] != PROBE for call in calls)
-        return Asked(runs, requests, unexpected.read_text().splitlines())
+        opened = {ending: {call[1] for call in calls if call[0] == "open" and call[1].startswith("/dev/") and call[2] == ending}
+                  for ending in ("ok", "ENOENT")}
+        return Asked(runs, requests, unexpected.read_text().splitlines(), sorted(opened["ENOENT"] - opened["ok"]))
