@@ -5,11 +5,11 @@ usage: sweep.py --tool FILE --simulator FILE [--every N] [--interfaces N,N...] H
 
 The commands take turns on one host; of two that change the MPC mode, each undoes the other. NODE is that of the
 GPU that all name, the only one that they may change. Of the devices that
-are opened again after a change, all alike, one is taken for each command, and of its accesses a third.
+are opened again after a change, all alike, one is taken for each command, and of its accesses a quarter.
 With --interfaces, the requests of these interfaces are taken instead, those of the start too.
 
-Whatever goes wrong at an access, the command ends as documented; at every third one it is killed too. Afterwards
-the host is whole, and the same command without trouble works as on a fresh host.
+Whatever goes wrong at an access, the command ends as documented; at every third one, and at changes, it is killed
+too. Afterwards the same command without trouble works as on a fresh host, which is whole.
 """
 import argparse
 import pathlib
@@ -24,6 +24,7 @@ from changing import (CHANGING, HOSTS, KILLED, LOOK, Access, Simulated, accesses
 # Leaks are looked for where something went wrong.
 NO_LEAKS = "ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=0 "
 KILL_EVERY = 3
+PARTS = 4
 # The simulator's own steps of a change, of which its tests try all.
 MOVES = (1, 4)
 END = "=end="
@@ -57,6 +58,7 @@ class Sweep:
         self.state = ["--state", str(folder / "host")]
         self.trace = folder / "trace"
         self.failures = []
+        self.changes = set()
         self.counts = {"accesses": 0, "failed": 0, "killed": 0, "seen": 0}
         self.clean = []
         self.points = []
@@ -72,8 +74,10 @@ class Sweep:
         behind = list(reopened(made, self.node))[begin_in_common(made, listed):]
         self.counts["accesses"] += len(behind)
         devices = sorted({device for _, device in behind if device})
-        taken = [place for place, (_, device) in enumerate(behind) if device and device == devices[turn % len(devices)]]
-        return [access for place, (access, device) in enumerate(behind) if not device or place in taken[turn % 3::3]]
+        taken = [access for access, device in behind if device and device == devices[turn % len(devices)]]
+        # All sweeps together have them all.
+        taken = taken[(turn + len(self.commands)) % PARTS::PARTS]
+        return [access for access, device in behind if not device or access in taken]
 
     def traced(self, command, fault=None):
         self.trace.unlink(missing_ok=True)
@@ -89,8 +93,10 @@ class Sweep:
 
     def fail(self, turn, access, place):
         command = self.commands[turn]
-        # The change itself fails in every way.
-        for way in access.ways if is_change(access) else access.ways[place % len(access.ways):][:1]:
+        # A change fails in every way when it is met for the first time.
+        every = is_change(access) and access.kind not in self.changes
+        self.changes.add(access.kind)
+        for way in access.ways if every else access.ways[place % len(access.ways):][:1]:
             run, _ = self.traced(command, f"{access.target}:{way}")
             self.judge(run, complaints_of(command[0], run) + touched_others(self.trace, self.node))
             self.counts["failed"] += 1
@@ -148,7 +154,8 @@ class Sweep:
         """What to do to the commands, and at which of their accesses."""
         for place in range(0, max(map(len, self.points)), self.every):
             yield self.fail, place
-            if place // self.every % KILL_EVERY == 0:
+            changes = any(place < len(points) and is_change(points[place]) for points in self.points)
+            if changes or place // self.every % KILL_EVERY == 0:
                 yield self.kill, place
 
     def run(self):
@@ -158,15 +165,18 @@ class Sweep:
                 struck = place < len(points)
                 if struck:
                     strike(turn, points[place], place // self.every)
-                if struck and (strike == self.kill or place == 0):
+                # Whoever is killed elsewhere has left nodes as they were, or as they are to be.
+                if struck and strike == self.kill and is_change(points[place]):
                     self.work(turn)
-                elif self.is_stateful():
+                elif self.is_stateful() or struck and strike == self.kill:
                     self.again(turn)
         for move in MOVES if self.is_stateful() else ():
             for turn in range(len(self.commands)):
                 self.kill(turn, Access(f"move#{move}", (), "", ()), 0)
                 self.work(turn)
-        if self.others() != before:
+        for turn in range(len(self.commands)):
+            self.work(turn)
+        if not before or self.others() != before:
             self.failures.append("what is reported of the other devices has changed")
 
     def is_stateful(self):
