@@ -57,7 +57,7 @@ void setProcesses(const JsonCursor& device, CellMap& cells, std::vector<uint64_t
     setNumber(cells, SIM_PROCESS_SYSTEM_MEMORY, systemMemory ? systemMemory->number() : 0, key);
     if (process.find("utilization")) addSample(process, pid, kind, samples++, cells);
     pids.push_back(pid);
-    pids.push_back(callersPid);
+    if (callersPid != pid) pids.push_back(callersPid);
   }
   setNumber(cells, SIM_PROCESS_COUNT, row);
   setNumber(cells, SIM_SAMPLE_COUNT, samples);
