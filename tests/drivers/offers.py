@@ -53,6 +53,6 @@ def ask(simulated: Simulated, host, lines, options=()):
                     (folder / f"{i}.err").read_bytes()) for i, line in enumerate(lines)]
         calls = [line.split(" ") for line in trace.read_text().splitlines()]
         requests = sum(call[0] == "ioctl" and call[2] != PROBE for call in calls)
-        opened = {ending: {call[1] for call in calls if call[0] == "open" and call[1].startswith("/dev/") and call[2] == ending}
-                  for ending in ("ok", "ENOENT")}
-        return Asked(runs, requests, unexpected.read_text().splitlines(), sorted(opened["ENOENT"] - opened["ok"]))
+        opens = [call for call in calls if call[0] == "open" and call[1].startswith("/dev/")]
+        absent = {call[1] for call in opens if call[2] == "ENOENT"} - {call[1] for call in opens if call[2] == "ok"}
+        return Asked(runs, requests, unexpected.read_text().splitlines(), sorted(absent))
