@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <source_location>
 #include <string>
 #include <unordered_map>
@@ -207,7 +208,12 @@ class Device : public Resource<std::string, Gpu, Memory, Vpu>, public std::enabl
   bool checkSablinkUp(unsigned int link, LumoReturn* status, std::source_location operation) const;
   unsigned int getPowerLimit(kelp::PowerLimitType type, LumoReturn* status) const;
   PerformanceMonitor* enterPfm(LumoReturn* status) const;
-  std::shared_ptr<kelp::DeviceObj> findVirtualDevice(const std::string& uuid, LumoReturn* status) const;
+  /// Whoever wants all vGPUs asks for one after the other, so the GPU's vGPUs are listed once and each is
+  /// made once: those that a search has passed wait for the next. A uuid that was not listed then is looked
+  /// for in a list of its own.
+  std::shared_ptr<kelp::DeviceObj> findVirtualDevice(const std::string& uuid, LumoReturn* status);
+  std::shared_ptr<kelp::DeviceObj> takePassedVirtual(const std::string& uuid);
+  std::optional<kelp::DevCuid> takeListedVirtual();
 
   std::shared_ptr<kelp::DeviceObj> deviceObj_;
   std::shared_ptr<kelp::DeviceManager> deviceManager_;
@@ -215,6 +221,8 @@ class Device : public Resource<std::string, Gpu, Memory, Vpu>, public std::enabl
   std::weak_ptr<Device> mpcParent_;
   std::unordered_map<std::string, std::shared_ptr<Device>> mpcChildren_;
   std::unordered_map<std::string, std::shared_ptr<Device>> virtDevices_;
+  std::vector<kelp::DevCuid> listedVirtuals_;  ///< no search has come to them yet
+  std::unordered_map<std::string, std::shared_ptr<kelp::DeviceObj>> passedVirtuals_;
   unsigned int index_ = ~0U;
 };
 

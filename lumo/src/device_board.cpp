@@ -126,8 +126,11 @@ void Device::reset(LumoReturn* status) const {
   if (refuseMediated(status)) {
     return;
   }
-  const OtherDevicesClosed closed = closeOtherDevices();
-  consumeMv(deviceObj_->resetDevice(), status);
+  const auto resetAlone = [this] {
+    const OtherDevicesClosed closed = closeOtherDevices();
+    return deviceObj_->resetDevice();
+  };
+  consumeMv(resetAlone(), status);
 }
 
 unsigned int Device::getPowerLimit(PowerLimitType type, LumoReturn* status) const {

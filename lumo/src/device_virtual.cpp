@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <unordered_set>
+
 #include "device.h"
 #include "device_object.h"
 #include "kelp_log.h"
@@ -112,27 +115,66 @@ LumoVirtType Device::getVirtType(LumoReturn* status) const {
   return *status == LUMO_RETURN_SUCCESS ? toLumoVirtType(type, status) : LumoVirtType{};
 }
 
-std::shared_ptr<kelp::DeviceObj> Device::findVirtualDevice(const std::string& uuid,
-                                                           LumoReturn* status) const {
+std::shared_ptr<kelp::DeviceObj> Device::takePassedVirtual(const std::string& uuid) {
+  const std::lock_guard lock(mutex_);
+  const auto passed = passedVirtuals_.extract(uuid);
+  return passed.empty() ? nullptr : passed.mapped();
+}
+
+std::optional<kelp::DevCuid> Device::takeListedVirtual() {
+  const std::lock_guard lock(mutex_);
+  if (listedVirtuals_.empty()) {
+    return std::nullopt;
+  }
+  const kelp::DevCuid cuid = listedVirtuals_.back();
+  listedVirtuals_.pop_back();
+  return cuid;
+}
+
+std::shared_ptr<kelp::DeviceObj> Device::findVirtualDevice(const std::string& uuid, LumoReturn* status) {
   const auto fail = [status](kelp::KelpReturn state) {
     KELP_LOG(kError) << "Mv error, state = " << state;
     *status = statusOf(state);
   };
-  const kelp::Stated<std::vector<kelp::DevCuid>> cuids = deviceObj_->getVirtDevCuids();
-  if (!cuids.ok()) {
-    fail(cuids.state());
-    return nullptr;
+  if (auto passed = takePassedVirtual(uuid)) {
+    *status = LUMO_RETURN_SUCCESS;
+    return passed;
   }
   *status = LUMO_RETURN_NOT_FOUND;
-  for (const kelp::DevCuid& cuid : cuids.value()) {
-    kelp::Stated<std::shared_ptr<kelp::DeviceObj>> deviceObj = deviceManager_->getDevice(cuid);
-    if (!deviceObj.ok()) {
-      fail(deviceObj.state());
-    } else if (deviceObj.value()->getDesc().uuid == uuid) {
-      *status = LUMO_RETURN_SUCCESS;
-      return deviceObj.take();
+  // A second attempt at a vGPU that failed would not tell why.
+  std::unordered_set<kelp::DevCuid> failed;
+  for (const bool listsAnew : {false, true}) {
+    if (listsAnew) {
+      kelp::Stated<std::vector<kelp::DevCuid>> cuids = deviceObj_->getVirtDevCuids();
+      if (!cuids.ok()) {
+        fail(cuids.state());
+        return nullptr;
+      }
+      std::vector<kelp::DevCuid> listed = cuids.take();
+      std::erase_if(listed, [&failed](const kelp::DevCuid& cuid) { return failed.contains(cuid); });
+      std::ranges::reverse(listed);  // they are taken from the end
+      const std::lock_guard lock(mutex_);
+      listedVirtuals_ = std::move(listed);
+    }
+    while (const auto cuid = takeListedVirtual()) {
+      kelp::Stated<std::shared_ptr<kelp::DeviceObj>> deviceObj = deviceManager_->getDevice(*cuid);
+      if (!deviceObj.ok()) {
+        fail(deviceObj.state());
+        failed.insert(*cuid);
+        continue;
+      }
+      std::string found = deviceObj.value()->getDesc().uuid;
+      if (found == uuid) {
+        *status = LUMO_RETURN_SUCCESS;
+        return deviceObj.take();
+      }
+      const std::lock_guard lock(mutex_);
+      passedVirtuals_.insert_or_assign(std::move(found), deviceObj.take());
     }
   }
+  // Whoever asks for what is not there knows another list than the one that was read.
+  const std::lock_guard lock(mutex_);
+  passedVirtuals_.clear();
   return nullptr;
 }
 

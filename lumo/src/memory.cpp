@@ -111,8 +111,13 @@ unsigned int Memory::getUtilization(LumoReturn* status) const {
 }
 
 unsigned int Memory::getGuestUtilization(LumoReturn* status) const {
-  const unsigned long used = getGuestUsed(status);
-  const unsigned long total = *status == LUMO_RETURN_SUCCESS ? getGuestTotal(status) : 0;
+  // Both from one answer: between two of them the guest may have taken more.
+  kelp::GuestMemoryUsage usage = queryGuestMemory(status, std::source_location::current());
+  const auto take = [status](kelp::Stated<unsigned long>& bytes) {
+    return *status == LUMO_RETURN_SUCCESS ? consumeMv(std::move(bytes), status) : 0;
+  };
+  const unsigned long used = take(usage.used);
+  const unsigned long total = take(usage.total);
   return percentOf(used, total, status);
 }
 

@@ -14,8 +14,11 @@ void Memory::setEccMode(kelp::EccMode mode, LumoReturn* status) const {
   if (owner == nullptr) {
     return;
   }
-  const OtherDevicesClosed closed = owner->closeOtherDevices();
-  consumeMv(feature->setEccMode(mode), status);
+  const auto setAlone = [&] {
+    const OtherDevicesClosed closed = owner->closeOtherDevices();
+    return feature->setEccMode(mode);
+  };
+  consumeMv(setAlone(), status);
 }
 
 kelp::EccModeInfo Memory::getEccMode(LumoReturn* status) const {

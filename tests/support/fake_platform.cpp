@@ -88,8 +88,10 @@ namespace kelp {
 
 using tolk_test::FakePlatform;
 
-CoreModel::CoreModel(const DevCuid& cuid)
-    : cuid_(cuid), accessPoint_(std::make_unique<tolk_test::FakeAccessPoint>(cuid)) {}
+CoreModel::CoreModel(const DevCuid& cuid, std::string knownUuid)
+    : cuid_(cuid),
+      knownUuid_(std::move(knownUuid)),
+      accessPoint_(std::make_unique<tolk_test::FakeAccessPoint>(cuid)) {}
 
 CoreModel::~CoreModel() = default;
 

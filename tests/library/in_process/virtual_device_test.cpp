@@ -187,6 +187,21 @@ TEST_F(VirtualDeviceTest, ABadVgpuDoesNotHideAnother) {
   EXPECT_TRUE(log_.has(LogLevel::kError, "Mv error, state =  1 "));
 }
 
+TEST_F(VirtualDeviceTest, VgpusThatAreAskedForOneByOneAreListedOnce) {
+  startHost();
+  EXPECT_EQ(uuidOf(vgpu("vgpu-9")), "vgpu-9");
+  platform_.virtCuids = KelpReturn::kReadFailed;
+  EXPECT_EQ(uuidOf(vgpu("vgpu-7")), "vgpu-7");
+}
+
+TEST_F(VirtualDeviceTest, AVgpuThatIsMadeAfterTheOthersWereListedIsFound) {
+  startHost();
+  EXPECT_EQ(uuidOf(vgpu("vgpu-9")), "vgpu-9");
+  platform_.descOf[11] = describe("vgpu-11", addressOf(0x40));
+  platform_.virtCuids = kelp::DevCuidSet{cuidOf(DevType::kMediated, DevArch::kFen2, 0x40, 11)};
+  EXPECT_EQ(uuidOf(vgpu("vgpu-11")), "vgpu-11");
+}
+
 TEST_F(VirtualDeviceTest, AVgpuCannotCarryAnother) {
   startHost();
   LumoDevice* found = nullptr;
@@ -238,7 +253,7 @@ TEST_F(VirtualDeviceTest, WhatAGuestSeesIsAskedByTheVgpusNumber) {
   EXPECT_EQ(wide_, 101U);
   EXPECT_EQ(lumoMemoryGetGuestUtilization(memory(own), &number_), LUMO_RETURN_SUCCESS);
   EXPECT_EQ(number_, 25U);
-  EXPECT_EQ(asked, (std::vector<unsigned>{7, 7, 7, 7, 7}));
+  EXPECT_EQ(asked, (std::vector<unsigned>{7, 7, 7, 7})) << "one question each";
 }
 
 TEST_F(VirtualDeviceTest, AGuestWithoutMemoryHasNoUtilization) {

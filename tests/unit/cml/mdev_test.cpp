@@ -161,6 +161,21 @@ TEST_F(MdevTest, VgpusAreThoseBelowTheirCarrier) {
   EXPECT_EQ(MdevPhysical(kFirst).findVirtual(9).state(), KelpReturn::kNotFound);
 }
 
+TEST_F(MdevTest, VgpuIsWhereItWasSeenOrElseSearchedFor) {
+  carrier(kFirst);
+  carrier(kSecond);
+  vgpu(kFirst, kUuid1, "7\n", "11");
+  vgpu(kFirst, kUuid2, "8\n", "11");
+  const std::string elsewhere = "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c73";
+  vgpu(kSecond, elsewhere, "8\n", "11");
+  for (const std::string& seen : {std::string(kUuid2), std::string(kUuid1), elsewhere, std::string("gone")}) {
+    const auto found = MdevPhysical(kFirst).findVirtual(8, seen);
+    ASSERT_TRUE(found.ok()) << seen;
+    EXPECT_EQ(found.value().getUuid(), kUuid2) << seen;
+  }
+  EXPECT_TRUE(log_.lines.empty());
+}
+
 TEST_F(MdevTest, VgpuWithoutANumberDoesNotHideTheNext) {
   carrier(kFirst);
   vgpu(kFirst, kUuid1, "none\n", "11");

@@ -1,16 +1,20 @@
 #include "core_model.h"
 
+#include <utility>
+
 #include "linux/ap/access_point.h"
 
 namespace kelp {
 
-CoreModel::CoreModel(const DevCuid& cuid)
-    : cuid_(cuid), accessPoint_(std::make_unique<linux_::AccessPoint>(cuid)) {}
+CoreModel::CoreModel(const DevCuid& cuid, std::string knownUuid)
+    : cuid_(cuid),
+      knownUuid_(std::move(knownUuid)),
+      accessPoint_(std::make_unique<linux_::AccessPoint>(cuid, knownUuid_)) {}
 
 CoreModel::~CoreModel() = default;
 
 void CoreModel::reopen(const DevCuid& cuid) {
-  accessPoint_ = std::make_unique<linux_::AccessPoint>(cuid);
+  accessPoint_ = std::make_unique<linux_::AccessPoint>(cuid, knownUuid_);
   // A device that does not come back answers state 5 from its commands.
   static_cast<void>(accessPoint_->init());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "access_point_base.h"
 #include "commands.h"
@@ -14,7 +15,8 @@ namespace kelp {
 /// run under the device model's locks. Between `close` and `reopen` no command may be run.
 class CoreModel {
  public:
-  explicit CoreModel(const DevCuid& cuid);
+  /// @param knownUuid of a mediated device, where to look for it first; may be empty
+  explicit CoreModel(const DevCuid& cuid, std::string knownUuid = {});
   virtual ~CoreModel();
 
   CoreModel(const CoreModel&) = delete;
@@ -34,6 +36,7 @@ class CoreModel {
 
  private:
   const DevCuid cuid_;
+  const std::string knownUuid_;
   std::unique_ptr<AccessPointBase> accessPoint_;
 };
 

@@ -22,6 +22,9 @@ class ModelEnumeratorBase {
   virtual Stated<DevCuid> enumeratePcie(const std::string& /*sbdf*/) { return {}; }
   virtual Stated<DevCuidSet> enumerateMpci(const std::string& /*sbdf*/) { return {}; }
   virtual Stated<DevCuidSet> enumerateVirt(const std::string& /*sbdf*/) { return {}; }
+  /// Uuid that a mediated device had when it was last enumerated: where to look for it first. Empty for one
+  /// that was not.
+  virtual std::string getKnownUuid(const DevCuid& /*cuid*/) const { return {}; }
   /// Uuids of the active mediated devices of a GPU.
   virtual Stated<std::vector<std::string>> listMediated(const std::string& /*sbdf*/) { return {}; }
 };

@@ -22,7 +22,7 @@ Stated<std::shared_ptr<CoreModel>> ModelManager::getModel(const DevCuid& cuid) {
       return found->second;
     }
   }
-  auto model = std::make_shared<CoreModel>(cuid);
+  auto model = std::make_shared<CoreModel>(cuid, enumerator_->getKnownUuid(cuid));
   const Done done = model->init();
   {
     const std::lock_guard lock(mutex_);

@@ -266,6 +266,12 @@ Stated<std::vector<std::string>> ModelEnumerator::listMediated(const std::string
   return MdevPhysical(sbdf).listUuids();
 }
 
+std::string ModelEnumerator::getKnownUuid(const DevCuid& cuid) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = knownUuids_.find(cuid);
+  return found == knownUuids_.end() ? std::string() : found->second;
+}
+
 Stated<DevCuidSet> ModelEnumerator::enumerateVirt(const std::string& sbdf) {
   const Stated<std::vector<std::string>> uuids = listMediated(sbdf);
   if (!uuids.ok()) {
@@ -286,6 +292,10 @@ Stated<DevCuidSet> ModelEnumerator::enumerateVirt(const std::string& sbdf) {
       return cuid.state();
     }
     cuids.insert(cuid.value());
+    {
+      const std::lock_guard lock(mutex_);
+      knownUuids_.insert_or_assign(cuid.value(), uuid);
+    }
     KELP_LOG(kInfo) << "Virtual device under " << sbdf << " : " << uuid;
   }
   return cuids;

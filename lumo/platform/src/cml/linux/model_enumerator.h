@@ -1,9 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "environment_base.h"
@@ -13,9 +15,10 @@ namespace kelp::linux_ {
 
 /// Finds the devices of the machine in sysfs, /dev and procfs, without a word to the driver.
 ///
-/// Owned by the model manager and called by one thread at a time. It holds no state between calls: each
-/// reads afresh. A failure is a state, but for a `device` file of sysfs without a number, whose
-/// conversion throws; one bad device fails a whole enumeration.
+/// Owned by the model manager. Any thread may call: each call reads afresh, and the mutex guards the one
+/// thing that is held between calls, the uuids of mediated devices, which nobody trusts unread. A failure is
+/// a state, but for a `device` file of sysfs without a number, whose conversion throws; one bad device fails
+/// a whole enumeration.
 class ModelEnumerator : public ModelEnumeratorBase {
  public:
   explicit ModelEnumerator(std::shared_ptr<EnvironmentBase> environment);
@@ -27,6 +30,7 @@ class ModelEnumerator : public ModelEnumeratorBase {
   Stated<DevCuid> enumeratePcie(const std::string& sbdf) override;
   Stated<DevCuidSet> enumerateMpci(const std::string& sbdf) override;
   Stated<DevCuidSet> enumerateVirt(const std::string& sbdf) override;
+  std::string getKnownUuid(const DevCuid& cuid) const override;
   Stated<std::vector<std::string>> listMediated(const std::string& sbdf) override;
 
  private:
@@ -50,6 +54,8 @@ class ModelEnumerator : public ModelEnumeratorBase {
   static void getDeviceNameFromProc(std::set<std::string>& out);
 
   std::shared_ptr<EnvironmentBase> environment_;
+  std::unordered_map<DevCuid, std::string> knownUuids_;
+  mutable std::mutex mutex_;
 };
 
 }  // namespace kelp::linux_

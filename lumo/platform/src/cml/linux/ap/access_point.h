@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 #include "access_point_base.h"
 #include "commands.h"
@@ -17,7 +19,9 @@ namespace kelp::linux_ {
 /// Owned by the device's core model and used under the device model's locks.
 class AccessPoint : public AccessPointBase {
  public:
-  explicit AccessPoint(const DevCuid& cuid) : cuid_(cuid) {}
+  /// @param knownUuid of a mediated device, where to look for it first; may be empty
+  explicit AccessPoint(const DevCuid& cuid, std::string knownUuid = {})
+      : cuid_(cuid), knownUuid_(std::move(knownUuid)) {}
   ~AccessPoint() override;
 
   const DevCuid& getCuid() const override { return cuid_; }
@@ -87,6 +91,7 @@ class AccessPoint : public AccessPointBase {
   Stated<Efuse> queryEfuse(MiscMkisProvider& context) const;
 
   DevCuid cuid_;
+  std::string knownUuid_;
   Stated<DevDesc> devDesc_;
   std::unique_ptr<MiscMkisProvider> miscContext_;
   std::unique_ptr<RenderMkisProvider> renderContext_;

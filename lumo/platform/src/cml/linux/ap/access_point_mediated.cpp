@@ -52,7 +52,7 @@ Done AccessPoint::initVirt() {
     static_cast<void>(openRenderContext(renderName, "Render context init failed, state = "));
   }
 
-  const auto device = MdevPhysical(sbdf()).findVirtual(cuid_.intId);
+  const auto device = MdevPhysical(sbdf()).findVirtual(cuid_.intId, knownUuid_);
   if (!device.ok()) {
     KELP_LOG(kError) << "Get vgpu uuid failed, state = " << device.state();
     renderContext_.reset();

@@ -1,10 +1,10 @@
 #include "linux/mdev/mdev_physical.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <tuple>
 
 #include "linux/paths.h"
@@ -12,15 +12,22 @@
 namespace kelp::linux_ {
 namespace {
 
-/// Name of the folder that holds the folder which a link leads to; empty for a link that leads nowhere.
-std::string resolveParentName(const std::string& link) {
+/// Whether a link leads to a folder inside a folder of the name. A host has a link for each vGPU of all its
+/// GPUs, so the link alone is read: following each of them folder by folder would take several times as long.
+bool leadsInto(const std::string& link, std::string_view name) {
   char target[PATH_MAX];
-  if (::realpath(link.c_str(), target) == nullptr) {
-    return {};
+  const ssize_t size = ::readlink(link.c_str(), target, sizeof target);
+  if (size <= 0) {
+    return false;
   }
-  std::string_view folder = target;
+  std::string_view folder(target, static_cast<std::size_t>(size));
   folder = folder.substr(0, folder.rfind('/'));
-  return std::string(folder.substr(folder.rfind('/') + 1));
+  return folder.substr(folder.rfind('/') + 1) == name;
+}
+
+bool exists(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0;
 }
 
 /// Ids are numbers without leading zeros: of two the longer one is the larger.
@@ -34,8 +41,12 @@ MdevPhysical::MdevPhysical(const std::string& sbdf)
     : MdevBase(std::string(kMediatedParentsFolder) + "/" + sbdf) {}
 
 bool MdevPhysical::isListed() const {
-  struct stat status {};
-  return ::stat(getPath().c_str(), &status) == 0;
+  return exists(getPath());
+}
+
+bool MdevPhysical::carries(const std::string& uuid) const {
+  const std::string link = std::string(kMediatedDevicesFolder) + "/" + uuid;
+  return leadsInto(link, getName()) && exists(link);
 }
 
 Stated<std::vector<MdevType>> MdevPhysical::listTypes() const {
@@ -61,9 +72,8 @@ Stated<std::vector<std::string>> MdevPhysical::listUuids() const {
   if (!isListed()) {
     return uuids;
   }
-  const std::string folder = std::string(kMediatedDevicesFolder) + "/";
   const int result = iterEntries(kMediatedDevicesFolder, [&](const char* name) {
-    if (resolveParentName(folder + name) == getName()) {
+    if (carries(name)) {
       uuids.emplace_back(name);
     }
   });
@@ -86,14 +96,22 @@ Stated<MdevType> MdevPhysical::findType(std::string_view id) const {
   return *found;
 }
 
-Stated<MdevVirtual> MdevPhysical::findVirtual(std::uint64_t vgpuId) const {
+Stated<MdevVirtual> MdevPhysical::findVirtual(std::uint64_t vgpuId, const std::string& knownUuid) const {
+  const auto isOne = [vgpuId](const MdevVirtual& device) {
+    const auto id = device.readVgpuId();
+    return id.ok() && id.value() == vgpuId;
+  };
+  if (!knownUuid.empty() && carries(knownUuid)) {
+    if (const MdevVirtual device(knownUuid); isOne(device)) {
+      return device;
+    }
+  }
   const auto uuids = listUuids();
   if (!uuids.ok()) {
     return uuids.state();
   }
   for (const std::string& uuid : uuids.value()) {
-    const MdevVirtual device(uuid);
-    if (const auto id = device.readVgpuId(); id.ok() && id.value() == vgpuId) {
+    if (const MdevVirtual device(uuid); uuid != knownUuid && isOne(device)) {
       return device;
     }
   }

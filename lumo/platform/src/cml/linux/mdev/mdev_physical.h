@@ -24,10 +24,13 @@ class MdevPhysical : public MdevBase {
   /// The type of an id; state 7 when the GPU does not offer it.
   Stated<MdevType> findType(std::string_view id) const;
   /// The vGPU of a number; state 7 when there is none.
-  Stated<MdevVirtual> findVirtual(std::uint64_t vgpuId) const;
+  /// @param knownUuid where to look first, which saves the search; may be empty
+  Stated<MdevVirtual> findVirtual(std::uint64_t vgpuId, const std::string& knownUuid = {}) const;
 
  private:
   bool isListed() const;
+  /// Whether a vGPU is one of this GPU.
+  bool carries(const std::string& uuid) const;
 };
 
 }  // namespace kelp::linux_
