@@ -75,7 +75,7 @@ TYPED_TEST(CodecSessionsTest, LostDeviceStatesOrMetricsEndIt) {
     SCOPED_TRACE(call);
     this->expectFailure(this->run());
   };
-  const std::string log = "querySessions >> get " + std::string(TypeParam::kWord) + " session ";
+  const std::string log = "queryActiveSessions >> get " + std::string(TypeParam::kWord) + " session ";
   fail("lumoLibraryInitDeviceByIndex(library 0, 1)");
   fail(this->call("States(vpu 1, 576)"));
   EXPECT_THAT(this->log_.of('E'), Contains(log + "states failed, ret =  4 "));

@@ -285,8 +285,13 @@ LumoReturn lumoDeviceGetActiveVirtDeviceUuids(LumoDevice* handle, char* uuids, u
   return answerTexts(__func__, handle, uuids, width, count);
 }
 FAKE3(lumoDeviceInitVirtDevice, LumoDevice*, const char*, LumoDevice**)
+FAKE2(lumoDeviceGetVirtType, LumoDevice*, LumoVirtType*)
+FAKE2(lumoDeviceGetVgpuId, LumoDevice*, unsigned*)
+FAKE2(lumoDeviceGetVmPid, LumoDevice*, unsigned*)
+FAKE2(lumoDeviceGetVgpuOverCommitInfo, LumoDevice*, LumoVgpuOverCommitInfo*)
 
 FAKE2(lumoGpuGetUtilization, LumoGpu*, unsigned*)
+FAKE2(lumoGpuGetGuestUtilization, LumoGpu*, unsigned*)
 FAKE2(lumoGpuGetTemperature, LumoGpu*, int*)
 FAKE2(lumoGpuGetClock, LumoGpu*, unsigned*)
 FAKE2(lumoGpuGetMaxClock, LumoGpu*, unsigned*)
@@ -297,6 +302,9 @@ FAKE1(lumoGpuResetHwErrorCounts, LumoGpu*)
 FAKE2(lumoMemoryGetTotal, LumoMemory*, u64*)
 FAKE2(lumoMemoryGetUsed, LumoMemory*, u64*)
 FAKE2(lumoMemoryGetUtilization, LumoMemory*, unsigned*)
+FAKE2(lumoMemoryGetGuestTotal, LumoMemory*, u64*)
+FAKE2(lumoMemoryGetGuestUsed, LumoMemory*, u64*)
+FAKE2(lumoMemoryGetGuestUtilization, LumoMemory*, unsigned*)
 FAKE2(lumoMemoryGetClock, LumoMemory*, unsigned*)
 FAKE2(lumoMemoryGetMaxClock, LumoMemory*, unsigned*)
 FAKE2(lumoMemoryGetBusWidth, LumoMemory*, unsigned*)
