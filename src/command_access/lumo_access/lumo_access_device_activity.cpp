@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "command_access/lumo_access/lumo_access_device.h"
@@ -18,7 +19,11 @@ LumoReturn queryProcesses(const LumoEntry<Count>& count, const LumoEntry<List>& 
     ret = queryLumoList(count, list, found, device);
   }
   if (ret != LUMO_RETURN_SUCCESS) return ret;
-  std::erase_if(found, [](const Entry& process) { return process.pid == 0; });
+  // A list that shrank ends in zeroed entries. A process without a pid is one of another namespace, which
+  // uses the device all the same: its GPU must not be reset.
+  static constexpr Entry kEmpty{};
+  std::erase_if(found,
+                [](const Entry& process) { return std::memcmp(&process, &kEmpty, sizeof kEmpty) == 0; });
   out = std::move(found);
   return ret;
 }

@@ -131,6 +131,15 @@ TEST_F(LumoAccessListsTest, ProcessListThatShrankHasNoEmptyEntries) {
   EXPECT_EQ(processes.size(), 1u);
 }
 
+TEST_F(LumoAccessListsTest, ProcessOfAnotherNamespaceCountsWithoutAPid) {
+  fakeLumo().set("lumoDeviceCountProcessMemoryUsages", 3u);
+  fakeLumo().set("lumoDeviceGetProcessMemoryUsages", std::vector{usage(0), usage(4242)});
+  std::vector<LumoProcessMemUsage> processes;
+  EXPECT_EQ(device_.getProcessMemoryInfo(processes), 0);
+  ASSERT_EQ(processes.size(), 2u);
+  EXPECT_EQ(processes[0].pid, 0u);
+}
+
 TEST_F(LumoAccessListsTest, RetiredPagesOfBothCausesAreJoined) {
   fakeLumo().set("lumoMemoryGetRetiredPagesCount", 2u, 1u);
   fakeLumo().set("lumoMemoryGetRetiredPages(memory 0, 0, 2)", std::vector{page(0x2000, 0), page(0x1000, 0)});
