@@ -20,6 +20,7 @@ sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "support"))
 from simulated import Simulated  # noqa: E402
 
 HOST = "tor1"
+HOST_WITH_VGPUS = "vgpu-host"
 FIRST = 100
 MOST_GROWTH = 1.05
 # What a sanitizer keeps of freed memory is no growth of the tool's.
@@ -30,6 +31,8 @@ COMMANDS = [
     ["--query-gpu=index,temperature.gpu,memory.used", "-lms", "{}"],
     ["-mm", "GpuId,Temp", "-l", "{}"],
 ]
+# Commands that loop by the second, too slow to count their periods.
+SLOW_COMMANDS = [["vgpu", form, "-l", "1"] for form in ("-q", "-u", "-es")]
 
 # Where the simulated host begins to put descriptors of its own.
 SIMULATOR_FDS = 900
@@ -39,12 +42,12 @@ STANDARD_FDS = {0, 1, 2}
 class Loop:
     """A command that runs until this ends."""
 
-    def __init__(self, simulated, command, interval_ms):
+    def __init__(self, simulated, command, interval_ms, host=HOST):
         arguments = [word.format(interval_ms) for word in command]
         environment = dict(simulated.environment)
         environment["ASAN_OPTIONS"] += ":" + WITHOUT_QUARANTINE
         self.process = subprocess.Popen(
-            [simulated.simulator, "--host", HOST, "--", "/bin/sh", "-c", 'echo $$; exec "$@"', "sh",
+            [simulated.simulator, "--host", host, "--", "/bin/sh", "-c", 'echo $$; exec "$@"', "sh",
              simulated.tool, *arguments],
             env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
             start_new_session=True)
@@ -92,9 +95,9 @@ def check_memory(simulated, command, periods):
     return [] if last <= first * MOST_GROWTH else [f"{' '.join(command)}: memory grew from {first} to {last} KiB"]
 
 
-def check_descriptors(simulated, command, interval_ms=500):
+def check_descriptors(simulated, command, interval_ms=500, host=HOST):
     """Looks several times in each of some periods: the machine may be busy with something else."""
-    with Loop(simulated, command, interval_ms) as loop:
+    with Loop(simulated, command, interval_ms, host) as loop:
         for _ in range(5):
             loop.wait(1)
             end = time.monotonic() + interval_ms / 1000 / 2
@@ -116,6 +119,7 @@ def main():
     with concurrent.futures.ThreadPoolExecutor() as pool:
         runs = [pool.submit(check_memory, simulated, command, arguments.periods) for command in COMMANDS]
         runs += [pool.submit(check_descriptors, simulated, command) for command in COMMANDS]
+        runs += [pool.submit(check_descriptors, simulated, command, 1000, HOST_WITH_VGPUS) for command in SLOW_COMMANDS]
         failures = [failure for run in runs for failure in run.result()]
     print("\n".join(failures))
     return 1 if failures else 0
