@@ -27,7 +27,7 @@ constexpr unsigned long kProtocolOne = 0xC0084DAF;
 /// Payload bytes of the protocol 1 interfaces that the traced commands use.
 const std::map<unsigned, std::uint32_t> kPayload{
     {2, 92},   {3, 72},   {4, 7384}, {6, 272}, {8, 60},  {9, 1940}, {10, 3796}, {11, 86}, {13, 18}, {14, 60},
-    {22, 374}, {32, 256}, {48, 21},  {52, 40}, {56, 24}, {57, 24},  {62, 152},  {67, 20}, {71, 64}};
+    {22, 374}, {32, 256}, {33, 8}, {34, 20}, {48, 21},  {52, 40}, {56, 24}, {57, 24},  {62, 152},  {67, 20}, {71, 64}, {75, 28}};
 
 struct Line {
   std::string operation;

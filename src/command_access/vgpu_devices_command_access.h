@@ -9,8 +9,9 @@
 namespace tolk {
 
 /// Base of the forms of `vgpu`: walks over the physical GPUs, or the one that "-i" names, and lets each form
-/// say what it reads of one and who prints it. A value that cannot be had reads "N/A"; a GPU of which the
-/// vGPUs cannot be listed, or that carries none by its kind, ends the command, and then nothing is printed.
+/// say what it reads of one and who prints it. A value that cannot be had reads "N/A". A GPU of which the
+/// vGPUs cannot be listed ends the command, as does an index of "-i" that is no physical GPU; then nothing at
+/// all is printed.
 class VgpuDevicesCommandAccess : public CommandAccessBase {
  public:
   using CommandAccessBase::CommandAccessBase;
