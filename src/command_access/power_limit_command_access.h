@@ -4,7 +4,7 @@
 
 namespace tolk {
 
-/// The command `-pl`: limits the power that GPUs draw, until their next reset or, with "-o 1", beyond it.
+/// The command `-pl`: limits the power that GPUs draw, until the next boot or, with "-o 1", beyond it.
 class PowerLimitCommandAccess : public DeviceChangeCommandAccess {
  public:
   using DeviceChangeCommandAccess::DeviceChangeCommandAccess;
