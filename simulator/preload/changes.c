@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "shell.h"
+#include "preload.h"
 
 #define DEFINE_CHANGE(name, parameters, onMachine, onHost)                    \
   SHELL_EXPORT int name parameters {                                          \

@@ -3,7 +3,7 @@
 #include <sys/time.h>
 #include <time.h>
 
-#include "shell.h"
+#include "preload.h"
 
 SHELL_EXPORT int clock_gettime(clockid_t clock, struct timespec* now) {
   typedef int (*Get)(clockid_t, struct timespec*);

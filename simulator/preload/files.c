@@ -1,5 +1,5 @@
 // Opening files and folders.
-#include "shell.h"
+#include "preload.h"
 
 #include <dirent.h>
 #include <errno.h>

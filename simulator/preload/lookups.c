@@ -9,7 +9,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include "shell.h"
+#include "preload.h"
 
 // Begins the function's access; what is the machine's own goes straight to `real`. `result` is that of
 // `real` for the host's file.

@@ -3,7 +3,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include "shell.h"
+#include "preload.h"
 
 SHELL_EXPORT uid_t geteuid(void) {
   typedef uid_t (*Get)(void);

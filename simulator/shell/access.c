@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
@@ -16,7 +17,6 @@ static int isCanary(const Access* access) {
 
 // What the machine takes away meanwhile: out of the tree, whole and at once.
 static void takeAway(const Shell* shell) {
-  typedef int (*Rename)(const char*, const char*);
   const char* path;
   while ((path = simNextToTake(shell->image))) {
     char from[PATH_MAX];
@@ -25,7 +25,7 @@ static void takeAway(const Shell* shell) {
     const int fits = snprintf(from, sizeof from, "%s%s", shell->tree, path) < (int)sizeof from &&
                      snprintf(to, sizeof to, "%s-taken-%zu", shell->tree,
                               (size_t)(path - (const char*)shell->image)) < (int)sizeof to;
-    if (fits) REAL(Rename, "rename")(from, to);
+    if (fits) syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
     errno = saved;
   }
 }
@@ -49,7 +49,7 @@ int accessBegin(Access* access, const char* operation, const char* path, enum Ac
                   &access->fault);
     if (access->fault.isKilled) {
       shellTrace(access->shell, operation, access->logical, "killed");
-      shellKill();
+      shellKill(0);
     }
     if (access->fault.takes) {
       takeAway(access->shell);
@@ -103,7 +103,7 @@ static int closeIfGone(const Access* access, int fd) {
 static int copyUpTo(int from, int to, int64_t size) {
   char part[4096];
   while (size > 0) {
-    const ssize_t got = read(from, part, size < (int64_t)sizeof part ? (size_t)size : sizeof part);
+    const ssize_t got = syscall(SYS_read, from, part, size < (int64_t)sizeof part ? (size_t)size : sizeof part);
     if (got <= 0) return (int)got;
     if (write(to, part, (size_t)got) != got) return -1;
     size -= got;
@@ -131,11 +131,10 @@ static int replaceContent(const Access* access, int fd) {
 }
 
 int accessOpenFile(Access* access, int flags, mode_t mode) {
-  typedef int (*Open)(const char*, int, ...);
-  int fd = REAL(Open, "open")(access->host, flags, mode);
+  int fd = (int)syscall(SYS_openat, AT_FDCWD, access->host, flags, mode);
   if (fd >= 0 && isEventQueue(access)) {
     shellClose(fd);
-    fd = eventsOpen(access->shell, access->logical, flags);
+    fd = queueOpen(access->shell, access->logical, flags);
   }
   if (fd >= 0 && isNode(access)) fd = closeIfGone(access, fd);
   const int changed = access->fault.cut >= 0 || access->fault.text;
