@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <source_location>
 #include <string>
 #include <unordered_map>
@@ -36,9 +35,9 @@ class Vpu;
 /// One device, known by a key: its uuid, or its address when it has no uuid of its own.
 ///
 /// Owned by the library, and an MPC instance or a vGPU by the device that carries it besides; callers
-/// reach it through a handle that does not keep it alive. Operations may run on several threads: the
-/// mutex guards the two lists of devices that this one carries, all else is fixed when the device is
-/// made. On a failure an operation stores the code and returns a default.
+/// reach it through a handle that does not keep it alive. Operations may run on several threads: a mutex
+/// guards the MPC instances that this one carries and another its vGPUs, all else is fixed when the device
+/// is made. On a failure an operation stores the code and returns a default.
 class Device : public Resource<std::string, Gpu, Memory, Vpu>, public std::enable_shared_from_this<Device> {
  public:
   /// Makes a device together with its GPU, memory and VPU. `mpcParent` is null but for an MPC instance.
@@ -210,16 +209,15 @@ class Device : public Resource<std::string, Gpu, Memory, Vpu>, public std::enabl
   PerformanceMonitor* enterPfm(LumoReturn* status) const;
   /// Whoever wants all vGPUs asks for one after the other, so the GPU's vGPUs are listed once and each is
   /// made once: those that a search has passed wait for the next. A uuid that was not listed then is looked
-  /// for in a list of its own.
+  /// for in a list of its own. The caller holds the mutex.
   std::shared_ptr<kelp::DeviceObj> findVirtualDevice(const std::string& uuid, LumoReturn* status);
-  std::shared_ptr<kelp::DeviceObj> takePassedVirtual(const std::string& uuid);
-  std::optional<kelp::DevCuid> takeListedVirtual();
 
   std::shared_ptr<kelp::DeviceObj> deviceObj_;
   std::shared_ptr<kelp::DeviceManager> deviceManager_;
   mutable std::mutex mutex_;
   std::weak_ptr<Device> mpcParent_;
   std::unordered_map<std::string, std::shared_ptr<Device>> mpcChildren_;
+  std::mutex virtMutex_;  ///< taken for as long as a vGPU is looked for
   std::unordered_map<std::string, std::shared_ptr<Device>> virtDevices_;
   std::vector<kelp::DevCuid> listedVirtuals_;  ///< no search has come to them yet
   std::unordered_map<std::string, std::shared_ptr<kelp::DeviceObj>> passedVirtuals_;

@@ -116,30 +116,13 @@ LumoVirtType Device::getVirtType(LumoReturn* status) const {
   return *status == LUMO_RETURN_SUCCESS ? toLumoVirtType(type, status) : LumoVirtType{};
 }
 
-std::shared_ptr<kelp::DeviceObj> Device::takePassedVirtual(const std::string& uuid) {
-  const std::lock_guard lock(mutex_);
-  const auto passed = passedVirtuals_.extract(uuid);
-  return passed.empty() ? nullptr : passed.mapped();
-}
-
-std::optional<kelp::DevCuid> Device::takeListedVirtual() {
-  const std::lock_guard lock(mutex_);
-  if (listedVirtuals_.empty()) {
-    return std::nullopt;
-  }
-  const kelp::DevCuid cuid = listedVirtuals_.back();
-  listedVirtuals_.pop_back();
-  return cuid;
-}
-
 std::shared_ptr<kelp::DeviceObj> Device::findVirtualDevice(const std::string& uuid, LumoReturn* status) {
   const auto fail = [status](kelp::KelpReturn state) {
     KELP_LOG(kError) << "Mv error, state = " << state;
     *status = statusOf(state);
   };
-  if (auto passed = takePassedVirtual(uuid)) {
-    *status = LUMO_RETURN_SUCCESS;
-    return passed;
+  if (auto passed = passedVirtuals_.extract(uuid); !passed.empty()) {
+    return std::move(passed.mapped());
   }
   *status = LUMO_RETURN_NOT_FOUND;
   // A second attempt at a vGPU that failed would not tell why.
@@ -151,17 +134,17 @@ std::shared_ptr<kelp::DeviceObj> Device::findVirtualDevice(const std::string& uu
         fail(cuids.state());
         return nullptr;
       }
-      std::vector<kelp::DevCuid> listed = cuids.take();
-      std::erase_if(listed, [&failed](const kelp::DevCuid& cuid) { return failed.contains(cuid); });
-      std::ranges::reverse(listed);  // they are taken from the end
-      const std::lock_guard lock(mutex_);
-      listedVirtuals_ = std::move(listed);
+      listedVirtuals_ = cuids.take();
+      std::erase_if(listedVirtuals_, [&failed](const kelp::DevCuid& cuid) { return failed.contains(cuid); });
+      std::ranges::reverse(listedVirtuals_);  // they are taken from the end
     }
-    while (const auto cuid = takeListedVirtual()) {
-      kelp::Stated<std::shared_ptr<kelp::DeviceObj>> deviceObj = deviceManager_->getDevice(*cuid);
+    while (!listedVirtuals_.empty()) {
+      const kelp::DevCuid cuid = listedVirtuals_.back();
+      listedVirtuals_.pop_back();
+      kelp::Stated<std::shared_ptr<kelp::DeviceObj>> deviceObj = deviceManager_->getDevice(cuid);
       if (!deviceObj.ok()) {
         fail(deviceObj.state());
-        failed.insert(*cuid);
+        failed.insert(cuid);
         continue;
       }
       std::string found = deviceObj.value()->getDesc().uuid;
@@ -169,31 +152,26 @@ std::shared_ptr<kelp::DeviceObj> Device::findVirtualDevice(const std::string& uu
         *status = LUMO_RETURN_SUCCESS;
         return deviceObj.take();
       }
-      const std::lock_guard lock(mutex_);
       passedVirtuals_.insert_or_assign(std::move(found), deviceObj.take());
     }
   }
   // Whoever asks for what is not there knows another list than the one that was read.
-  const std::lock_guard lock(mutex_);
   passedVirtuals_.clear();
   return nullptr;
 }
 
 std::shared_ptr<Device> Device::initializeVirtualDevice(const std::string& uuid, LumoReturn* status) {
-  {
-    const std::lock_guard lock(mutex_);
-    if (const auto found = virtDevices_.find(uuid); found != virtDevices_.end()) {
-      return found->second;
-    }
+  // Held all through: a search by another thread would take from the list what this one is after.
+  const std::lock_guard lock(virtMutex_);
+  if (const auto found = virtDevices_.find(uuid); found != virtDevices_.end()) {
+    return found->second;
   }
   std::shared_ptr<kelp::DeviceObj> deviceObj = findVirtualDevice(uuid, status);
   if (deviceObj == nullptr) {
     return nullptr;
   }
-  std::shared_ptr<Device> device = create(uuid, std::move(deviceObj), deviceManager_, nullptr);
-  // Another thread may have been faster; then its device is the one.
-  const std::lock_guard lock(mutex_);
-  return virtDevices_.emplace(uuid, std::move(device)).first->second;
+  return virtDevices_.emplace(uuid, create(uuid, std::move(deviceObj), deviceManager_, nullptr))
+      .first->second;
 }
 
 unsigned int Device::getVgpuId(LumoReturn* status) const {

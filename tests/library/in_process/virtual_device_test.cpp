@@ -1,5 +1,6 @@
 #include "handles.h"
 #include "in_process/lumo_fixture.h"
+#include "on_hosts/in_threads.h"
 
 // vGPUs, and the GPUs that carry them.
 
@@ -200,6 +201,24 @@ TEST_F(VirtualDeviceTest, AVgpuThatIsMadeAfterTheOthersWereListedIsFound) {
   platform_.descOf[11] = describe("vgpu-11", addressOf(0x40));
   platform_.virtCuids = kelp::DevCuidSet{cuidOf(DevType::kMediated, DevArch::kFen2, 0x40, 11)};
   EXPECT_EQ(uuidOf(vgpu("vgpu-11")), "vgpu-11");
+}
+
+TEST_F(VirtualDeviceTest, NoThreadTakesAVgpuFromTheSearchOfAnother) {
+  kelp::DevCuidSet cuids;
+  for (unsigned vgpu = 20; vgpu < 20 + tolk_test::kThreads; ++vgpu) {
+    cuids.insert(cuidOf(DevType::kMediated, DevArch::kFen2, 0x40, vgpu));
+    platform_.descOf[vgpu] = describe("vgpu-" + std::to_string(vgpu), addressOf(0x40));
+  }
+  platform_.virtCuids = cuids;
+  for (int round = 0; round < 50 && !HasFailure(); ++round) {
+    startHost();
+    tolk_test::inThreads([&](unsigned thread) {
+      LumoDevice* found = nullptr;
+      EXPECT_EQ(lumoDeviceInitVirtDevice(handle_, ("vgpu-" + std::to_string(20 + thread)).c_str(), &found),
+                LUMO_RETURN_SUCCESS);
+    });
+    stop();
+  }
 }
 
 TEST_F(VirtualDeviceTest, AVgpuCannotCarryAnother) {
