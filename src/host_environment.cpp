@@ -22,7 +22,8 @@ constexpr std::size_t kLongestFile = 1 << 20;
 
 bool hostHasMdevBus() {
   std::error_code ignored;
-  return std::filesystem::exists("/sys/class/mdev_bus", ignored);
+  return std::filesystem::status("/sys/class/mdev_bus", ignored).type() !=
+         std::filesystem::file_type::not_found;
 }
 
 std::optional<std::string> readWholeFile(const char* path) {

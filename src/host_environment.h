@@ -6,7 +6,8 @@
 namespace tolk {
 
 /// Whether this host can carry mediated devices. Its GPUs then share their memory with guests, and
-/// processes belong to the guests.
+/// processes belong to the guests. Where that cannot be looked up they may be there, so that nothing is
+/// changed under a guest.
 bool hostHasMdevBus();
 
 /// The text of a small file, cut where it is longer than such a file can be; nothing when it cannot be

@@ -1,22 +1,21 @@
 #include "command_access/session_stats.h"
 
+#include "command_access/codec_sessions.h"
+
 namespace tolk {
 
 namespace {
 
-using ListStates = LumoReturn (LumoAccessDevice::*)(SessionStates&) const;
-using ReadMetrics = LumoReturn (LumoAccessDevice::*)(std::uint32_t, LumoVpuSessionMetrics&) const;
-
-std::optional<SessionStats> statsOf(const LumoAccessDevice& device, ListStates list, ReadMetrics read) {
+std::optional<SessionStats> statsOf(const LumoAccessDevice& device, const CodecSessions& kind) {
   SessionStates states;
-  if ((device.*list)(states) != LUMO_RETURN_SUCCESS) return std::nullopt;
+  if ((device.*kind.states)(states) != LUMO_RETURN_SUCCESS) return std::nullopt;
 
   SessionStats stats;
   std::uint64_t fps = 0;
   for (const auto& [session, state] : states) {
     if (state != LUMO_VPU_SESSION_ACTIVE) continue;
     LumoVpuSessionMetrics metrics{};
-    (device.*read)(session, metrics);
+    (device.*kind.metrics)(session, metrics);
     fps += metrics.fps;
     ++stats.active;
   }
@@ -27,13 +26,11 @@ std::optional<SessionStats> statsOf(const LumoAccessDevice& device, ListStates l
 }  // namespace
 
 std::optional<SessionStats> encoderStats(const LumoAccessDevice& device) {
-  return statsOf(device, &LumoAccessDevice::vpuGetEncoderSessionStates,
-                 &LumoAccessDevice::vpuGetEncoderSessionMetrics);
+  return statsOf(device, kEncoderSessions);
 }
 
 std::optional<SessionStats> decoderStats(const LumoAccessDevice& device) {
-  return statsOf(device, &LumoAccessDevice::vpuGetDecoderSessionStates,
-                 &LumoAccessDevice::vpuGetDecoderSessionMetrics);
+  return statsOf(device, kDecoderSessions);
 }
 
 }  // namespace tolk
