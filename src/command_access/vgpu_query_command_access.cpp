@@ -30,8 +30,9 @@ LumoReturn VgpuQueryCommandAccess::queryDeviceInfo(std::uint32_t index, const Lu
   const bool logged = hasOption("--debug");
   const LumoReturn ret =
       getAllVirtualDevice(index, device, document, [logged](const LumoAccessVirtualDevice& vgpu, Json& rows) {
-        // The report knows a vGPU by its uuid; its number, as the driver's log has it, is for the log alone.
-        if (logged) logVgpuId(vgpu);
+        // The report knows a vGPU by its uuid; number and type, by which the driver knows it, are for the
+        // log alone.
+        if (logged) logIdentity(vgpu);
         queryVgpuInfo(vgpu, rows);
       });
   if (ret != LUMO_RETURN_SUCCESS) {
@@ -40,13 +41,19 @@ LumoReturn VgpuQueryCommandAccess::queryDeviceInfo(std::uint32_t index, const Lu
   return ret;
 }
 
-void VgpuQueryCommandAccess::logVgpuId(const LumoAccessVirtualDevice& vgpu) {
+void VgpuQueryCommandAccess::logIdentity(const LumoAccessVirtualDevice& vgpu) {
   std::uint32_t id = 0;
-  if (const LumoReturn ret = vgpu.getVgpuId(id); ret != LUMO_RETURN_SUCCESS) {
+  if (const LumoReturn ret = vgpu.getVgpuId(id); ret == LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kTrace) << "vgpu id = " << id;
+  } else {
     TOLK_LOG(kError) << "Failed to get vgpu id! error code[" << ret << "]";
-    return;
   }
-  TOLK_LOG(kTrace) << "vgpu id = " << id;
+  LumoVirtType type{};
+  if (const LumoReturn ret = vgpu.GetVirtType(type); ret == LUMO_RETURN_SUCCESS) {
+    TOLK_LOG(kTrace) << "vgpu type = " << type.id;
+  } else {
+    TOLK_LOG(kError) << "Failed to get vgpu type! error code[" << ret << "]";
+  }
 }
 
 void VgpuQueryCommandAccess::queryVgpuInfo(const LumoAccessVirtualDevice& vgpu, Json& rows) {

@@ -15,7 +15,7 @@ class VgpuQueryCommandAccess : public VgpuDevicesCommandAccess {
   std::shared_ptr<Step> makeOutput(Json document) const override;
 
  private:
-  static void logVgpuId(const LumoAccessVirtualDevice& vgpu);
+  static void logIdentity(const LumoAccessVirtualDevice& vgpu);
   static void queryVgpuInfo(const LumoAccessVirtualDevice& vgpu, Json& rows);
   static void queryMemoryUsage(const LumoAccessVirtualDevice& vgpu, Json& rows);
   static void queryUtilization(const LumoAccessVirtualDevice& vgpu, Json& rows);
