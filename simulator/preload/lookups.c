@@ -90,14 +90,7 @@ DEFINE_XSTAT(__lxstat64, stat64)
 SHELL_EXPORT int statx(int folder, const char* path, int flags, unsigned mask, struct statx* status) {
   typedef int (*Stat)(int, const char*, int, unsigned, struct statx*);
   LOOK_AT("stat", folder, path, REAL(Stat, "statx"), flags, mask, status);
-  if (result == 0) {
-    mode_t mode = status->stx_mode;
-    dev_t device = makedev(status->stx_rdev_major, status->stx_rdev_minor);
-    accessPatchMode(&look, &mode, &device);
-    status->stx_mode = (unsigned short)mode;
-    status->stx_rdev_major = major(device);
-    status->stx_rdev_minor = minor(device);
-  }
+  if (result == 0) accessPatchStatx(&look, status);
   accessEnd(&look, result != 0);
   return (int)result;
 }

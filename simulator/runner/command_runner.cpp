@@ -2,9 +2,12 @@
 
 #include <elf.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,6 +17,7 @@
 #include <fstream>
 
 #include "host_error.h"
+#include "supervisor.h"
 
 namespace {
 
@@ -55,17 +59,18 @@ bool isStatic(const std::string& file) {
 }
 
 void setEnvironment(const Installation& parts, const HostFolder& folder, const CommandSetting& setting) {
+  const bool preloads = setting.tier == Tier::kPreload;
   const auto append = [](const char* name, const std::string& more, bool front) {
     const char* const old = std::getenv(name);
     const std::string before = old ? old : "";
     const std::string all = before.empty() ? more : front ? more + ":" + before : before + ":" + more;
     setenv(name, all.c_str(), 1);
   };
-  append("LD_PRELOAD", parts.library.string(), true);
+  if (preloads) append("LD_PRELOAD", parts.library.string(), true);
   append("PATH", parts.stubs.string(), true);
   append("PATH", parts.launcher.parent_path().string(), false);
   // The sanitizer wants to be the first library; it works behind the preload all the same.
-  append("ASAN_OPTIONS", "verify_asan_link_order=0", false);
+  if (preloads) append("ASAN_OPTIONS", "verify_asan_link_order=0", false);
   setenv("OVGPU_SIM_ROOT", folder.path().c_str(), 1);
   setenv("OVGPU_SIM_CANARY", folder.canary().c_str(), 1);
   const auto tell = [](const char* name, const std::string& value) {
@@ -75,15 +80,62 @@ void setEnvironment(const Installation& parts, const HostFolder& folder, const C
       setenv(name, value.c_str(), 1);
     }
   };
-  tell("OVGPU_SIM_TRACE", setting.traceFile);
-  tell("OVGPU_SIM_USER", setting.user);
+  tell("OVGPU_SIM_TRACE", preloads ? setting.traceFile : "");
+  tell("OVGPU_SIM_USER", preloads ? setting.user : "");
+}
+
+// ---- a command that is supervised
+
+// What the two ends of a pair of sockets tell each other: the child its listener, the parent that it answers.
+struct Listener {
+  int number = -1;
+  int error = 0;
+};
+
+bool becomeSupervised(int parent) {
+  Listener listener;
+  listener.number = supervisorInstall();
+  if (listener.number < 0) listener.error = errno;
+  // Reading is done when the parent answers, or has closed its end.
+  return write(parent, &listener, sizeof listener) == static_cast<ssize_t>(sizeof listener) &&
+         read(parent, &listener, 1) == 1;
+}
+
+// The supervisor appends to it from this process.
+void checkTrace(const std::string& path) {
+  if (!path.empty() && !std::ofstream(path, std::ios::app)) throw HostError("cannot write the trace: " + path);
+}
+
+int pidfdOf(pid_t process) {
+  return static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+}
+
+void supervise(int child, int pidfd) {
+  Listener listener;
+  const char* missing = nullptr;
+  if (read(child, &listener, sizeof listener) != static_cast<ssize_t>(sizeof listener) || listener.error != 0) {
+    missing = "the kernel has no seccomp user notification for it";
+    errno = listener.error;
+  } else {
+    missing = supervisorStart(pidfd, listener.number);
+  }
+  if (missing) throw TierError(std::string(missing) + ": " + std::strerror(errno));
+  if (write(child, "", 1) != 1) throw TierError(std::strerror(errno));
+}
+
+// Not by waiting for the process alone: a thread of the supervisor may hold it, whose news that would take.
+void waitForEnd(int pidfd) {
+  pollfd process{.fd = pidfd, .events = POLLIN, .revents = 0};
+  while (poll(&process, 1, -1) < 0 && errno == EINTR) {
+  }
 }
 
 [[noreturn]] void startChild(const Installation& parts, const HostFolder& folder,
                              const CommandSetting& setting, const std::vector<std::string>& command,
-                             const sigset_t& mask) {
+                             const sigset_t& mask, int supervision) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   setEnvironment(parts, folder, setting);
+  if (supervision >= 0 && !becomeSupervised(supervision)) _exit(2);
   std::vector<char*> arguments;
   std::string launcher = parts.launcher.string();
   arguments.push_back(launcher.data());
@@ -110,6 +162,15 @@ void checkCommand(const std::string& command) {
 
 int runCommand(const Installation& parts, const HostFolder& folder, const CommandSetting& setting,
                const std::vector<std::string>& command) {
+  int sockets[2] = {-1, -1};
+  if (setting.tier == Tier::kSeccomp) {
+    checkTrace(setting.traceFile);
+    const SupervisorSetting supervisor{.root = folder.path().c_str(),
+                                       .trace = setting.traceFile.c_str(),
+                                       .user = setting.user.empty() ? nullptr : setting.user.c_str()};
+    supervisorOpen(&supervisor);
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) throw TierError(std::strerror(errno));
+  }
   // Until the child is known, signals wait. Those of the keyboard reach the command by themselves.
   sigset_t blocked;
   sigset_t before;
@@ -117,8 +178,17 @@ int runCommand(const Installation& parts, const HostFolder& folder, const Comman
   sigprocmask(SIG_SETMASK, &blocked, &before);
   const pid_t child = fork();
   if (child < 0) throw HostError(std::string("cannot start a process: ") + std::strerror(errno));
-  if (child == 0) startChild(parts, folder, setting, command, before);
+  if (child == 0) {
+    if (sockets[0] >= 0) close(sockets[0]);
+    startChild(parts, folder, setting, command, before, sockets[1]);
+  }
   childPid = child;
+  const int pidfd = pidfdOf(child);
+  if (sockets[0] >= 0) {
+    close(sockets[1]);
+    // Threads that begin here take no signals.
+    supervise(sockets[0], pidfd);
+  }
   struct sigaction action {};
   action.sa_handler = SIG_IGN;
   for (const int number : {SIGINT, SIGQUIT}) sigaction(number, &action, nullptr);
@@ -126,6 +196,7 @@ int runCommand(const Installation& parts, const HostFolder& folder, const Comman
   for (const int number : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) sigaction(number, &action, nullptr);
   sigprocmask(SIG_SETMASK, &before, nullptr);
 
+  if (setting.tier == Tier::kSeccomp) waitForEnd(pidfd);
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }

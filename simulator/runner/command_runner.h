@@ -7,17 +7,19 @@
 
 #include "host_folder.h"
 #include "installation.h"
+#include "options.h"
 
 /// Refuses, with HostError, a command that the preload library cannot get into.
 void checkCommand(const std::string& command);
 
-/// What the command's environment tells the preload library; empty where it is to do nothing.
+/// What whoever shows the host is told; empty where it is to do nothing.
 struct CommandSetting {
+  Tier tier = Tier::kPreload;
   std::string traceFile;
   std::string user;
 };
 
-/// The exit status to end with.
+/// The exit status to end with. Throws TierError when the kernel does not let the tier work.
 int runCommand(const Installation& parts, const HostFolder& folder, const CommandSetting& setting,
                const std::vector<std::string>& command);
 

@@ -18,8 +18,8 @@ nlohmann::json parseFile(const fs::path& file) {
   if (!stream) throw HostError(file.string() + ": the host description cannot be opened");
   try {
     return nlohmann::json::parse(stream, nullptr, true, true);
-  } catch (const nlohmann::json::parse_error& error) {
-    // "[json.exception.parse_error.101] parse error at line 3, column 1: ..."
+  } catch (const nlohmann::json::exception& error) {
+    // "[json.exception.parse_error.101] parse error at line 3, column 1: ...", or a number that nothing holds.
     const std::string text = error.what();
     const size_t end = text.find("] ");
     throw HostError(file.string() + ": " + (end == std::string::npos ? text : text.substr(end + 2)));

@@ -9,4 +9,10 @@ class HostError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The kernel does not let the chosen tier work; what() names what is missing.
+class TierError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 #endif

@@ -18,6 +18,8 @@
 namespace {
 
 constexpr int kOwnError = 2;
+// The number by which test suites are told that something cannot be tried here.
+constexpr int kNoSuchTier = 77;
 constexpr const char* kDefaultHost = "bare";
 
 int listHosts(const HostLibrary& library) {
@@ -46,12 +48,13 @@ int run(const Options& options) {
   const Installation parts = findInstallation();
   const HostLibrary library(parts.hosts);
   if (options.listHosts) return listHosts(library);
-  checkCommand(options.command.front());
+  if (options.tier == Tier::kPreload) checkCommand(options.command.front());
   const Host host = readHost(library.load(options.host.value_or(kDefaultHost)));
   const std::vector<FaultSpec> faults = parseFaults(host, options.faults);
   HostFolder folder(options.stateFolder.value_or(""));
   folder.prepare(host, faults);
   const CommandSetting setting{
+      .tier = options.tier,
       .traceFile = options.traceFile ? std::filesystem::absolute(*options.traceFile).string() : "",
       .user = options.user.value_or("")};
   if (!options.unexpectedFile) return runCommand(parts, folder, setting, options.command);
@@ -68,6 +71,9 @@ int run(const Options& options) {
 int main(int count, char** arguments) {
   try {
     return run(parseOptions({arguments + 1, arguments + count}));
+  } catch (const TierError& error) {
+    std::cerr << "ovgpu-sim: the tier \"seccomp\" cannot be used here: " << error.what() << "\n";
+    return kNoSuchTier;
   } catch (const HostError& error) {
     std::cerr << "ovgpu-sim: " << error.what() << "\n";
   } catch (const std::exception& error) {

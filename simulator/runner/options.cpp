@@ -8,7 +8,7 @@ namespace {
 constexpr std::string_view kHelp = R"(Runs a command as though on a machine with Orvane GPUs.
 
   ovgpu-sim [--host NAME|FILE] [--state DIR] [--fault SPEC]... [--trace FILE]
-            [--unexpected FILE] [--user ID] -- COMMAND [ARGUMENT]...
+            [--unexpected FILE] [--user ID] [--tier TIER] -- COMMAND [ARGUMENT]...
   ovgpu-sim --list-hosts
   ovgpu-sim --help
 
@@ -21,13 +21,21 @@ constexpr std::string_view kHelp = R"(Runs a command as though on a machine with
   --unexpected FILE  writes what the driver was asked for and did not offer: a line for each such call,
                      nothing when there was none
   --user ID          the effective user that the command is told it runs as; its rights stay the same
+  --tier TIER        how the host is shown: "preload" (without it), by a library in the command's processes,
+                     or "seccomp", by the kernel, which serves static programs and raw system calls too
   --list-hosts       the hosts that can be named
 
 The exit status is that of the command, 128 + n when signal n ended it, 2 when ovgpu-sim itself fails,
-126 or 127 when the command cannot be started. Folders with more hosts can be named in the environment,
+126 or 127 when the command cannot be started, 77 when the tier cannot be used on this machine. Folders with more hosts can be named in the environment,
 as OVGPU_SIM_HOSTS with ":" between them.
 
 )";
+
+Tier tierFrom(const std::string& name) {
+  if (name == "preload") return Tier::kPreload;
+  if (name == "seccomp") return Tier::kSeccomp;
+  throw HostError("--tier must be preload or seccomp; found \"" + name + "\"");
+}
 
 }  // namespace
 
@@ -38,12 +46,15 @@ std::string_view optionsHelp() {
 Options parseOptions(const std::vector<std::string>& arguments) {
   Options options;
   static const std::vector<std::string_view> kKnown{"--host",       "--state",      "--fault", "--trace",
-                                                    "--unexpected", "--user",       "--list-hosts", "--help"};
+                                                    "--unexpected", "--user",       "--tier",  "--list-hosts",
+                                                    "--help"};
+  std::optional<std::string> tier;
   const auto placeOf = [&](std::string_view name) -> std::optional<std::string>* {
     if (name == "--host") return &options.host;
     if (name == "--state") return &options.stateFolder;
     if (name == "--trace") return &options.traceFile;
     if (name == "--user") return &options.user;
+    if (name == "--tier") return &tier;
     return name == "--unexpected" ? &options.unexpectedFile : nullptr;
   };
   size_t i = 0;
@@ -81,6 +92,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
                        options.user->find_first_not_of("0123456789") != std::string::npos)) {
     throw HostError("--user needs a number; found \"" + *options.user + "\"");
   }
+  if (tier) options.tier = tierFrom(*tier);
   if (options.help || options.listHosts) return options;
   if (options.command.empty()) throw HostError("no command; it stands behind \"--\"");
   return options;

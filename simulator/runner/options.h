@@ -7,6 +7,9 @@
 #include <string_view>
 #include <vector>
 
+/// How the command is shown the host.
+enum class Tier { kPreload, kSeccomp };
+
 struct Options {
   std::optional<std::string> host;
   std::optional<std::string> stateFolder;
@@ -14,6 +17,7 @@ struct Options {
   std::optional<std::string> unexpectedFile;
   std::optional<std::string> user;
   std::vector<std::string> faults;
+  Tier tier = Tier::kPreload;
   bool listHosts = false;
   bool help = false;
   std::vector<std::string> command;

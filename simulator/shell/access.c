@@ -130,7 +130,7 @@ static int replaceContent(const Access* access, int fd) {
   return copy;
 }
 
-int accessOpenFile(Access* access, int flags, mode_t mode) {
+int accessOpenFile(const Access* access, int flags, mode_t mode) {
   int fd = (int)syscall(SYS_openat, AT_FDCWD, access->host, flags, mode);
   if (fd >= 0 && isEventQueue(access)) {
     shellClose(fd);
@@ -158,4 +158,13 @@ void accessPatchMode(const Access* access, mode_t* mode, dev_t* device) {
   const int isGraphics = strncmp(access->logical, "/dev/dri/", 9) == 0;
   *mode = (*mode & ~(mode_t)S_IFMT) | S_IFCHR;
   *device = makedev(isGraphics ? 226 : 10, isGraphics ? (unsigned)atoi(digits) : 64 + (unsigned)atoi(digits));
+}
+
+void accessPatchStatx(const Access* access, struct statx* status) {
+  mode_t mode = status->stx_mode;
+  dev_t device = makedev(status->stx_rdev_major, status->stx_rdev_minor);
+  accessPatchMode(access, &mode, &device);
+  status->stx_mode = (unsigned short)mode;
+  status->stx_rdev_major = major(device);
+  status->stx_rdev_minor = minor(device);
 }

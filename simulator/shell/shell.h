@@ -100,13 +100,14 @@ int accessEnd(Access* access, int failed);
 int accessFail(Access* access);
 
 // Opens the file of an access, flags as the program gave them.
-int accessOpenFile(Access* access, int flags, mode_t mode);
+int accessOpenFile(const Access* access, int flags, mode_t mode);
 
 // Takes the folder of the tree off the front of a resolved path, in place; null stays null.
 char* accessHidePrefix(const Shell* shell, char* path);
 
 // Like a device node, if it stands for one.
 void accessPatchMode(const Access* access, mode_t* mode, dev_t* device);
+void accessPatchStatx(const Access* access, struct statx* status);
 
 // ---- nodes
 

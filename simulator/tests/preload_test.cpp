@@ -7,11 +7,16 @@
 
 namespace {
 
-class SimPreload : public testing::Test {
+class SimHost : public testing::TestWithParam<std::string> {
  protected:
+  void SetUp() override {
+    const Outcome outcome = runSimulator({"--tier", GetParam(), "--", "true"});
+    if (outcome.status == 77) GTEST_SKIP() << outcome.error;
+  }
+
   Outcome onHost(const std::string& host, std::vector<std::string> options,
                  std::vector<std::string> command) {
-    std::vector<std::string> all{"--host", host};
+    std::vector<std::string> all{"--tier", GetParam(), "--host", host};
     all.insert(all.end(), options.begin(), options.end());
     all.emplace_back("--");
     all.insert(all.end(), command.begin(), command.end());
@@ -22,35 +27,35 @@ class SimPreload : public testing::Test {
   const ScratchFolder scratch;
 };
 
-TEST_F(SimPreload, EveryWayToLookAtFilesSeesTheHost) {
+TEST_P(SimHost, EveryWayToLookAtFilesSeesTheHost) {
   for (const char* const name : {"sim_files_probe", "sim_files_probe_large", "sim_files_probe_fortified"}) {
     const Outcome outcome = onHost("bare", {}, {probe(name)});
     EXPECT_EQ(outcome.status, 0) << name << "\n" << outcome.out << outcome.error;
   }
 }
 
-TEST_F(SimPreload, NodesAnswer) {
+TEST_P(SimHost, NodesAnswer) {
   const Outcome outcome = onHost("bare", {}, {calls, "status", "ovgpu.1", "67", "0", "20"});
   EXPECT_TRUE(outcome.out.starts_with("ok 0 08 00 00 00")) << outcome.out << outcome.error;
 }
 
-TEST_F(SimPreload, ForkedProcessesAndDuplicatedDescriptorsAnswer) {
+TEST_P(SimHost, ForkedProcessesAndDuplicatedDescriptorsAnswer) {
   EXPECT_EQ(onHost("bare", {}, {calls, "fork", "ovgpu.0"}).out, "0 0\n");
 }
 
-TEST_F(SimPreload, TimeStandsStillWhenTheHostSaysSo) {
+TEST_P(SimHost, TimeStandsStillWhenTheHostSaysSo) {
   EXPECT_EQ(onHost("bare", {}, {calls, "time"}).out, "1763660412\n");
   const std::string moving = scratch.write("moving.json", R"({"gpus": []})");
   EXPECT_NE(onHost(moving, {}, {calls, "time"}).out, "1763660412\n");
 }
 
-TEST_F(SimPreload, NodeWithoutDriverCannotBeOpened) {
+TEST_P(SimHost, NodeWithoutDriverCannotBeOpened) {
   EXPECT_EQ(onHost("unloaded", {}, {calls, "open", "/dev/ovgpu.0"}).out, "No such device\n");
   EXPECT_EQ(onHost("unloaded", {}, {calls, "open", "/sys/bus/pci/drivers/ovgpu"}).out,
             "No such file or directory\n");
 }
 
-TEST_F(SimPreload, DeviceThatVanishedCannotBeOpened) {
+TEST_P(SimHost, DeviceThatVanishedCannotBeOpened) {
   const Outcome outcome = onHost(
       "bare", {"--fault", "ioctl(node=ovgpu.0):gone"},
       {"sh", "-c",
@@ -59,7 +64,7 @@ TEST_F(SimPreload, DeviceThatVanishedCannotBeOpened) {
   EXPECT_TRUE(outcome.out.ends_with("\nNo such device\nok\n")) << outcome.out;
 }
 
-TEST_F(SimPreload, FilesOfTheDescriptionAreThere) {
+TEST_P(SimHost, FilesOfTheDescriptionAreThere) {
   const std::string host = scratch.write("host.json", R"({
       "gpus": [{"model": "B250A"}],
       "files": {"/etc/ovparams": "envType: 0\n", "/proc/driver/vela/version": null, "/sys/class/mdev_bus/": "",
@@ -75,20 +80,20 @@ TEST_F(SimPreload, FilesOfTheDescriptionAreThere) {
   EXPECT_EQ(onHost(host, {}, {calls, "cat", "/sys/class/mdev_bus/0000:01:00.0/vendor"}).out, "0x4f56\n");
 }
 
-TEST_F(SimPreload, ProcessNobodyDescribedIsNotTheMachines) {
+TEST_P(SimHost, ProcessNobodyDescribedIsNotTheMachines) {
   const std::string host = scratch.write(
       "host.json", R"({"gpus": [{"model": "B250A", "processes": [{"pid": 1, "gpu_memory": 1}]}]})");
   EXPECT_EQ(onHost(host, {}, {calls, "open", "/proc/1/cmdline"}).out, "No such file or directory\n");
 }
 
-TEST_F(SimPreload, VirtualFunctionHasALinkToItsPhysicalOne) {
+TEST_P(SimHost, VirtualFunctionHasALinkToItsPhysicalOne) {
   const std::string host = scratch.write("host.json", R"({"gpus": [{"model": "B250A", "physfn": true}]})");
   EXPECT_EQ(onHost(host, {}, {"test", "-h", "/sys/bus/pci/drivers/ovgpu/0000:01:00.0/physfn"}).status, 0);
 }
 
 constexpr const char* kMpcFunction = "/sys/bus/pci/drivers/ovgpu/0000:41:00.0";
 
-TEST_F(SimPreload, NodesComeAndGoWithTheMpcMode) {
+TEST_P(SimHost, NodesComeAndGoWithTheMpcMode) {
   const std::string folder = scratch / "kept";
   const auto run = [&](const std::string& script) {
     return onHost("mpc", {"--state", folder}, {"sh", "-c", script}).out;
@@ -115,14 +120,14 @@ TEST_F(SimPreload, NodesComeAndGoWithTheMpcMode) {
   EXPECT_EQ(run("cat /proc/driver/vela/gpu1/devname"), "ovgpu.1\n");
 }
 
-TEST_F(SimPreload, ResetIsRefusedWhileAnotherDeviceIsOpen) {
+TEST_P(SimHost, ResetIsRefusedWhileAnotherDeviceIsOpen) {
   const Outcome outcome = onHost("bare", {}, {calls, "reset-beside", "ovgpu.0", "ovgpu.1"});
   EXPECT_EQ(outcome.out, "7 0\n") << "busy, and done once the other one is closed";
   EXPECT_EQ(onHost("bare", {}, {calls, "reset-beside", "ovgpu.0", "dri/renderD128"}).out, "0 0\n")
       << "a node of the device itself";
 }
 
-TEST_F(SimPreload, TraceTellsWhyAResetWasRefused) {
+TEST_P(SimHost, TraceTellsWhyAResetWasRefused) {
   const std::string trace = scratch / "trace";
   onHost("bare", {"--trace", trace}, {calls, "reset-beside", "ovgpu.0", "dri/renderD129"});
   EXPECT_EQ(linesOf(readText(trace)),
@@ -131,7 +136,7 @@ TEST_F(SimPreload, TraceTellsWhyAResetWasRefused) {
                                       "ioctl ovgpu.0 record 50 1 ok"}));
 }
 
-TEST_F(SimPreload, MemoryIsSharedWithTheDriver) {
+TEST_P(SimHost, MemoryIsSharedWithTheDriver) {
   const std::string trace = scratch / "trace";
   const std::string unexpected = scratch / "unexpected";
   const Outcome outcome =
@@ -148,13 +153,13 @@ TEST_F(SimPreload, MemoryIsSharedWithTheDriver) {
   EXPECT_EQ(readText(unexpected), "");
 }
 
-TEST_F(SimPreload, BufferBelongsToTheDescriptorAndItsCopies) {
+TEST_P(SimHost, BufferBelongsToTheDescriptorAndItsCopies) {
   EXPECT_EQ(
       onHost("legacy", {}, {calls, "buffers", "ovgpu.0"}).out,
       "ok, copy Device or resource busy, other ok, crossed Invalid argument, by the copy ok, reopened ok\n");
 }
 
-TEST_F(SimPreload, MappingCanFail) {
+TEST_P(SimHost, MappingCanFail) {
   const Outcome outcome =
       onHost("legacy", {"--fault", "map(/dev/ovgpu.*)#2:errno=ENOMEM"}, {calls, "board", "ovgpu.0"});
   EXPECT_EQ(outcome.out,
@@ -163,7 +168,7 @@ TEST_F(SimPreload, MappingCanFail) {
       << outcome.error;
 }
 
-TEST_F(SimPreload, CallsThatWereNotOfferedAreTold) {
+TEST_P(SimHost, CallsThatWereNotOfferedAreTold) {
   const std::string trace = scratch / "trace";
   const std::string unexpected = scratch / "unexpected";
   const Outcome outcome = onHost("future-interface", {"--trace", trace, "--unexpected", unexpected},
@@ -173,7 +178,7 @@ TEST_F(SimPreload, CallsThatWereNotOfferedAreTold) {
   EXPECT_EQ(linesOf(readText(trace)).back(), "ioctl ovgpu.0 record 8 2 status=4 unexpected");
 }
 
-TEST_F(SimPreload, EventsReachEveryQueueOnce) {
+TEST_P(SimHost, EventsReachEveryQueueOnce) {
   const Outcome outcome = onHost("bare", {},
                                  {"sh", "-c",
                                   calls + " events 0 2 'ovgpu-sim-raise 0 31 pid=4242 text=mmu; "
@@ -184,7 +189,7 @@ TEST_F(SimPreload, EventsReachEveryQueueOnce) {
       << outcome.error;
 }
 
-TEST_F(SimPreload, FullQueueDropsTheOldestEvent) {
+TEST_P(SimHost, FullQueueDropsTheOldestEvent) {
   const Outcome outcome = onHost(
       "bare", {},
       {"sh", "-c",
@@ -192,7 +197,7 @@ TEST_F(SimPreload, FullQueueDropsTheOldestEvent) {
   EXPECT_EQ(outcome.out, "256 3 0 \n256 66 0 \nempty 0\n") << outcome.error;
 }
 
-TEST_F(SimPreload, EventsOfTheDescriptionWaitUntilTheyAreDropped) {
+TEST_P(SimHost, EventsOfTheDescriptionWaitUntilTheyAreDropped) {
   const std::string host = scratch.write("host.json", R"({"gpus": [{"model": "B250A", "events": [
       {"xid": 5, "time": 100}, {"xid": 6, "time": 101, "pid": 7}]}]})");
   EXPECT_EQ(onHost(host, {}, {calls, "events", "0", "1", ":"}).out, "ready 1\n256 5 0 \n256 6 7 \nempty 0\n");
@@ -202,7 +207,7 @@ TEST_F(SimPreload, EventsOfTheDescriptionWaitUntilTheyAreDropped) {
       "ready 0\nempty 0\n");
 }
 
-TEST_F(SimPreload, RaisedFaultIsWrittenDownByTheLogDaemon) {
+TEST_P(SimHost, RaisedFaultIsWrittenDownByTheLogDaemon) {
   const Outcome outcome =
       onHost("bare", {},
              {"sh", "-c",
@@ -212,7 +217,7 @@ TEST_F(SimPreload, RaisedFaultIsWrittenDownByTheLogDaemon) {
   EXPECT_EQ(onHost("bare", {}, {"ovgpu-sim-raise", "2", "1"}).status, 2);
 }
 
-TEST_F(SimPreload, MediatedDevicesAreInSysfs) {
+TEST_P(SimHost, MediatedDevicesAreInSysfs) {
   const std::string uuid = "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71";
   const auto text = [&](const std::string& command) { return onHost("vgpu", {}, {"sh", "-c", command}).out; };
   const std::string type = "/sys/class/mdev_bus/0000:01:00.0/mdev_supported_types/ovgpu-11/";
@@ -229,7 +234,7 @@ TEST_F(SimPreload, MediatedDevicesAreInSysfs) {
   EXPECT_EQ(onHost("bare", {}, {"test", "-e", "/sys/class/mdev_bus"}).status, 1);
 }
 
-TEST_F(SimPreload, AdaptersAndBridgesAreInSysfs) {
+TEST_P(SimHost, AdaptersAndBridgesAreInSysfs) {
   const std::string host = scratch.write("host.json", R"({"gpus": [{"model": "B250A", "upstream":
       ["pci0000:00", "0000:00:01.0", "0000:02:00.0"], "numa_node": 1, "cpus": "4-7"}],
       "adapters": [{"name": "mlx5_3", "address": "0000:09:00.1", "upstream": ["pci0000:00", "0000:00:01.0"]},
@@ -248,7 +253,7 @@ TEST_F(SimPreload, AdaptersAndBridgesAreInSysfs) {
             "class\ndevice\nlocal_cpulist\nlocal_cpus\nnuma_node\nvendor\n-1\n");
 }
 
-TEST_F(SimPreload, GuestIsToldItsShare) {
+TEST_P(SimHost, GuestIsToldItsShare) {
   const std::string file = "/sys/bus/pci/devices/0000:00:05.0/ovgpu_vgpu/vgpu_device_info";
   EXPECT_EQ(onHost("guest", {}, {calls, "cat", file}).out,
             "type_id=7717,name=OVT B240-8Q,framebuffer=8192\n");
@@ -256,7 +261,7 @@ TEST_F(SimPreload, GuestIsToldItsShare) {
             "0x1e25\n");
 }
 
-TEST_F(SimPreload, PackageToolsAnswerAsDescribed) {
+TEST_P(SimHost, PackageToolsAnswerAsDescribed) {
   const std::string host = scratch.write("host.json", R"({"packages": {
       "dpkg": {"vela": "1.3.0_beta"}, "rpm": {"vela_all-in-one": {"text": "Version    : 9\n", "status": 3}}}})");
   const Outcome dpkg = onHost(host, {}, {"sh", "-c", "dpkg -s vela 2>/dev/null"});
@@ -268,7 +273,7 @@ TEST_F(SimPreload, PackageToolsAnswerAsDescribed) {
   EXPECT_EQ(onHost(host, {}, {"rpm", "-qi", "vela"}).status, 1);
 }
 
-TEST_F(SimPreload, FileFaultsStrike) {
+TEST_P(SimHost, FileFaultsStrike) {
   const std::string version = "/proc/driver/vela/version";
   EXPECT_EQ(onHost("bare", {"--fault", "file(" + version + "):errno=EACCES"}, {calls, "open", version}).out,
             "Permission denied\n");
@@ -289,7 +294,7 @@ TEST_F(SimPreload, FileFaultsStrike) {
       << "counted over all processes of the run";
 }
 
-TEST_F(SimPreload, WhatIsTakenIsGoneFromThenOn) {
+TEST_P(SimHost, WhatIsTakenIsGoneFromThenOn) {
   const std::string uuid = "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71";
   const std::string link = "/sys/bus/mdev/devices/" + uuid;
   const std::string folder = "/sys/bus/pci/devices/0000:01:00.0/" + uuid;
@@ -313,7 +318,7 @@ TEST_F(SimPreload, WhatIsTakenIsGoneFromThenOn) {
 
 constexpr int kKilled = 128 + 9;
 
-TEST_F(SimPreload, KilledProcessHasDoneNothing) {
+TEST_P(SimHost, KilledProcessHasDoneNothing) {
   const std::string folder = scratch / "kept";
   const std::string trace = scratch / "trace";
   const std::string version = "/proc/driver/vela/version";
@@ -335,12 +340,12 @@ TEST_F(SimPreload, KilledProcessHasDoneNothing) {
       << "and whoever comes next gets the lock that it held";
 }
 
-TEST_F(SimPreload, MappingCanKill) {
+TEST_P(SimHost, MappingCanKill) {
   EXPECT_EQ(onHost("legacy", {"--fault", "map(/dev/ovgpu.*)#2:kill"}, {calls, "board", "ovgpu.0"}).status,
             kKilled);
 }
 
-TEST_F(SimPreload, SwitchThatWasKilledIsBroughtToAnEnd) {
+TEST_P(SimHost, SwitchThatWasKilledIsBroughtToAnEnd) {
   const std::string look = "ls -d /dev/ovgpu.* /dev/dri/* " + std::string(kMpcFunction) + "/misc/* " +
                            std::string(kMpcFunction) + "/drm/*; " + calls + " status ovgpu.1 8 2 60";
   struct Switch {
@@ -371,7 +376,7 @@ TEST_F(SimPreload, SwitchThatWasKilledIsBroughtToAnEnd) {
   }
 }
 
-TEST_F(SimPreload, HangDelaysTheAnswer) {
+TEST_P(SimHost, HangDelaysTheAnswer) {
   const auto before = std::chrono::steady_clock::now();
   EXPECT_TRUE(onHost("bare", {"--fault", "ioctl(interface=67):hang=400"},
                      {calls, "status", "ovgpu.0", "67", "0", "20"})
@@ -379,7 +384,7 @@ TEST_F(SimPreload, HangDelaysTheAnswer) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(400));
 }
 
-TEST_F(SimPreload, TraceHasOneLineForEachAccess) {
+TEST_P(SimHost, TraceHasOneLineForEachAccess) {
   const std::string trace = scratch / "trace";
   onHost("bare", {"--trace", trace, "--fault", "ioctl(node=ovgpu.1):status=7"},
          {"sh", "-c",
@@ -394,5 +399,8 @@ TEST_F(SimPreload, TraceHasOneLineForEachAccess) {
   EXPECT_EQ(count("ioctl ovgpu.0 record 67 0 ok"), 201);
   EXPECT_EQ(count("ioctl ovgpu.1 record 67 0 status=7"), 1);
 }
+
+INSTANTIATE_TEST_SUITE_P(Tiers, SimHost, testing::Values("preload", "seccomp"),
+                         [](const auto& tier) { return tier.param; });
 
 }  // namespace

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs the tool on a simulated host and compares what it does with what a case expects.
 
-usage: run_case.py --tool FILE [--simulator FILE] [--log-reader FILE] CASE.json
+usage: run_case.py --tool FILE [--simulator FILE] [--tier TIER] [--log-reader FILE] CASE.json...
 
 README.md beside this file tells the format of a case. UPDATE_GOLDEN=1 rewrites expected outputs.
 Exit status: 0 as expected, 1 not, 77 the case needs a program that was not built.
@@ -61,9 +61,10 @@ def interrupted(process, lines, limit):
 class Runner:
     """The programs that a case needs."""
 
-    def __init__(self, tool, simulator, log_reader):
+    def __init__(self, tool, simulator, tier, log_reader):
         self.tool = tool
         self.simulator = simulator
+        self.tier = tier
         self.log_reader = log_reader
 
     def command(self, case, folder, scratch):
@@ -83,7 +84,7 @@ class Runner:
             host = str(path)
         elif host.endswith(".json"):
             host = str(folder / host)
-        options = ["--host", host]
+        options = ["--tier", self.tier, "--host", host]
         for fault in faults:
             options += ["--fault", fault]
         if "user" in case:
@@ -241,24 +242,37 @@ def run_table(runner, path):
         raise Skip(skipped[0])
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--simulator")
-    parser.add_argument("--log-reader")
-    parser.add_argument("case", type=pathlib.Path)
-    arguments = parser.parse_args()
-    runner = Runner(arguments.tool, arguments.simulator, arguments.log_reader)
-    run = run_table if arguments.case.name == "rows.json" else run_case
+def tell(runner, path):
+    """Runs a case, says what is wrong with it, and returns the status to end with."""
+    run = run_table if path.name == "rows.json" else run_case
     try:
-        run(runner, arguments.case)
+        run(runner, path)
     except Skip as reason:
         print(f"skipped: {reason}")
         return SKIPPED
     except Failure as failure:
-        print(failure)
+        print(f"{path.parent.name}: {failure}")
         return 1
     return 0
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--tool", required=True)
+    parser.add_argument("--simulator")
+    parser.add_argument("--tier", default="preload")
+    parser.add_argument("--log-reader")
+    parser.add_argument("cases", type=pathlib.Path, nargs="+")
+    arguments = parser.parse_args()
+    if arguments.simulator and arguments.tier != "preload":
+        tried = subprocess.run([arguments.simulator, "--tier", arguments.tier, "--host", "none", "--", "true"],
+                               capture_output=True, text=True, check=False)
+        if tried.returncode == SKIPPED:
+            print(f"skipped: {tried.stderr}")
+            return SKIPPED
+    runner = Runner(arguments.tool, arguments.simulator, arguments.tier, arguments.log_reader)
+    ends = {tell(runner, path) for path in arguments.cases}
+    return 1 if 1 in ends else 0 if 0 in ends else SKIPPED
 
 
 if __name__ == "__main__":
