@@ -377,6 +377,20 @@ TEST_F(ModelEnumeratorTest, VirtualDevicesAreThoseBelowTheirParent) {
   EXPECT_TRUE(other.value().empty());
 }
 
+TEST_F(ModelEnumeratorTest, VgpuIsKnownByTheUuidThatItsNumberWasLastSeenWith) {
+  boundFunction(kFirst, "0x0230", {0});
+  link("/sys/class/mdev_bus/0000:01:00.0", "/sys/devices/pci0000:00/0000:01:00.0");
+  const DevCuid vgpu = cuid(DevType::kMediated, DevArch::kFen1, kFirstPacked, 7);
+  EXPECT_EQ(enumerator_.getKnownUuid(vgpu), "");
+  for (const char* const uuid :
+       {"c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c72", "c3d9a1e2-7f40-4b6c-9d15-2e8a0b4f6c71"}) {
+    mediated(kFirst, uuid, "7\n");
+    ASSERT_TRUE(enumerator_.enumerateVirt(kFirst).ok());
+    EXPECT_EQ(enumerator_.getKnownUuid(vgpu), uuid);
+    remove(std::string("/sys/bus/mdev/devices/") + uuid);
+  }
+}
+
 TEST_F(ModelEnumeratorTest, ListMediatedGivesTheUuids) {
   boundFunction(kFirst, "0x0230", {0});
   link("/sys/class/mdev_bus/0000:01:00.0", "/sys/devices/pci0000:00/0000:01:00.0");
