@@ -757,7 +757,11 @@ LumoReturn lumoDeviceCountActiveVirtDevices(LumoDevice *device, unsigned *count)
 LumoReturn lumoDeviceGetActiveVirtDeviceUuids(LumoDevice *device, char *uuids, unsigned width,
                                               unsigned count);
 
-/** One of these vGPUs, as a mediated device. @return NOT_FOUND when the GPU has no such vGPU */
+/**
+ * One of these vGPUs, as a mediated device. The library keeps what it has learnt of a vGPU: one that is made
+ * anew under the number of one that was removed is only found by a library that is started anew.
+ * @return NOT_FOUND when the GPU has no such vGPU
+ */
 LumoReturn lumoDeviceInitVirtDevice(LumoDevice *device, const char *uuid, LumoDevice **virtDevice);
 
 /*
