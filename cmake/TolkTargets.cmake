@@ -9,9 +9,11 @@ option(TOLK_STATIC_RUNTIME "Link libstdc++ and libgcc statically" OFF)
 set(TOLK_SANITIZE "" CACHE STRING "Value of -fsanitize=, empty for none")
 
 set(TOLK_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wcast-align -Wnon-virtual-dtor -Woverloaded-virtual
-  -Wnull-dereference
+  -Wnull-dereference)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 warns of overlaps in "text" + std::string that are none.
-  -Wno-restrict)
+  list(APPEND TOLK_WARNINGS -Wno-restrict)
+endif()
 set(TOLK_C_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wcast-align)
 if(TOLK_WERROR)
   list(APPEND TOLK_WARNINGS -Werror)

@@ -1,4 +1,4 @@
-# Shared by ./demo and ./check: installs what a build needs and builds a preset. Sourced, not run.
+# Shared by ./demo, ./check and fuzz/run: installs what a build needs and builds a preset. Sourced, not run.
 
 say() { printf '%s\n' "==> $*" >&2; }
 fail() {
@@ -17,6 +17,11 @@ packages=(
   libmbedtls-dev:/usr/include/mbedtls/aes.h
   libgtest-dev:/usr/include/gtest/gtest.h
   pkg-config:pkg-config
+)
+# What the fuzzers need besides.
+fuzz_packages=(
+  clang:clang++
+  libclang-rt-14-dev:/usr/lib/clang/14/lib/linux
 )
 
 missing_packages() {

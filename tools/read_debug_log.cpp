@@ -1,12 +1,6 @@
 // Deciphers a debug log, so that whoever got one with a fault report can read it.
-//
-// A log comes from a stranger's disk: cut off, overwritten in the middle, or no log at all. No length
-// in it is believed before the bytes that it spans and the two that end the record are there.
-
-#include <mbedtls/aes.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -14,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "rusk/log_cipher.h"
+#include "debug_log_reader.h"
 
 namespace {
 
@@ -29,53 +23,7 @@ constexpr const char* kUsage =
 
 enum ExitStatus { kAllRead = 0, kDamaged = 1, kTrouble = 2 };
 
-constexpr std::size_t kLengthBytes = 4;
-constexpr std::string_view kRecordEnd("\0\n", 2);
-constexpr std::size_t kBlockBytes = std::tuple_size_v<rusk::CipherBlock>;
 constexpr std::size_t kMostLogBytes = std::size_t{1} << 30;
-
-/// Bytes of the record at the front of `log`, its line end included; nothing if there is no whole one.
-std::optional<std::size_t> recordBytes(std::string_view log) {
-  if (log.size() < kLengthBytes + kRecordEnd.size()) return std::nullopt;
-  std::size_t length = 0;
-  for (std::size_t byte = 0; byte < kLengthBytes; ++byte) {
-    length |= static_cast<std::size_t>(static_cast<std::uint8_t>(log[byte])) << (8 * byte);
-  }
-  if (length % kBlockBytes != 0 || length > log.size() - kLengthBytes - kRecordEnd.size())
-    return std::nullopt;
-  if (log.substr(kLengthBytes + length, kRecordEnd.size()) != kRecordEnd) return std::nullopt;
-  return kLengthBytes + length + kRecordEnd.size();
-}
-
-/// Where the first whole record behind a damaged one starts, or the log's end. Any offset may be it: a
-/// record that was cut off has no end of its own, and the next run appended right behind it.
-std::size_t nextRecord(std::string_view log, std::size_t damaged) {
-  std::size_t offset = damaged + 1;
-  while (offset < log.size() && !recordBytes(log.substr(offset))) ++offset;
-  return offset;
-}
-
-class Decipherer {
- public:
-  Decipherer() {
-    mbedtls_aes_init(&key_);
-    mbedtls_aes_setkey_dec(&key_, rusk::kLogKey.data(), rusk::kLogKey.size() * 8);
-  }
-
-  /// The line in a cipher text of whole blocks, without the zeros that filled its last block.
-  std::string line(std::string_view cipherText) {
-    std::string text(cipherText.size(), '\0');
-    rusk::CipherBlock vector = rusk::kLogVector;
-    mbedtls_aes_crypt_cbc(&key_, MBEDTLS_AES_DECRYPT, text.size(), vector.data(),
-                          reinterpret_cast<const unsigned char*>(cipherText.data()),
-                          reinterpret_cast<unsigned char*>(text.data()));
-    for (std::size_t fill = 1; fill < kBlockBytes && text.ends_with('\0'); ++fill) text.pop_back();
-    return text;
-  }
-
- private:
-  mbedtls_aes_context key_;
-};
 
 /// A log quotes what drivers and users wrote; none of it may steer the reader's terminal.
 void printLine(std::string_view line) {
@@ -91,20 +39,16 @@ void printLine(std::string_view line) {
 }
 
 ExitStatus printLog(std::string_view log) {
-  Decipherer decipherer;
+  DebugLogReader reader(log);
   ExitStatus status = kAllRead;
-  for (std::size_t offset = 0; offset < log.size();) {
-    if (const auto bytes = recordBytes(log.substr(offset))) {
-      printLine(
-          decipherer.line(log.substr(offset + kLengthBytes, *bytes - kLengthBytes - kRecordEnd.size())));
-      offset += *bytes;
+  while (const auto piece = reader.next()) {
+    if (piece->line) {
+      printLine(*piece->line);
       continue;
     }
-    const std::size_t next = nextRecord(log, offset);
-    std::fprintf(stderr, "read-debug-log: offset %zu: damaged record, %zu bytes skipped\n", offset,
-                 next - offset);
+    std::fprintf(stderr, "read-debug-log: offset %zu: damaged record, %zu bytes skipped\n", piece->offset,
+                 piece->bytes);
     status = kDamaged;
-    offset = next;
   }
   return status;
 }

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <ranges>
 
 #include "kelp_log.h"
 #include "record_text.h"
@@ -86,12 +85,12 @@ std::vector<LumoEventData> getEventDataByEventType(unsigned int deviceIndex, con
   const std::vector<LumoXidRecord> records =
       readXidRecords(kReportFolder + uuid + "/" + fileName, count, status);
   std::vector<LumoEventData> events;
-  for (const LumoXidRecord& record : std::views::reverse(records)) {
+  for (auto record = records.rbegin(); record != records.rend(); ++record) {
     LumoEventData& event = events.emplace_back();
     event.deviceIndex = deviceIndex;
     event.eventType = LUMO_EVENT_XID;
     setText(event.uuid, uuid);
-    event.record = record;
+    event.record = *record;
   }
   return events;
 }

@@ -19,7 +19,7 @@ nlohmann::json parseFile(const fs::path& file) {
   try {
     return nlohmann::json::parse(stream, nullptr, true, true);
   } catch (const nlohmann::json::exception& error) {
-    // "[json.exception.parse_error.101] parse error at line 3, column 1: ...", or a number that nothing holds.
+    // "[json.exception.parse_error.101] parse error at line 3, column 1: ...", or of a number
     const std::string text = error.what();
     const size_t end = text.find("] ");
     throw HostError(file.string() + ": " + (end == std::string::npos ? text : text.substr(end + 2)));

@@ -326,4 +326,9 @@ TEST_F(SimLibraryOfHosts, MistakesAreNamed) {
       << errorOfLoading("broken");
 }
 
+TEST_F(SimLibraryOfHosts, NumberThatNothingHoldsIsNamedWithItsFile) {
+  write("huge.json", "-277e754");
+  EXPECT_EQ(errorOfLoading("huge"), folder / "" + "huge.json: number overflow parsing '-277e754'");
+}
+
 }  // namespace
