@@ -1,5 +1,7 @@
 #include "host_environment.h"
 
+#include <sys/resource.h>
+
 #include <array>
 #include <cstddef>
 #include <filesystem>
@@ -24,6 +26,13 @@ bool hostHasMdevBus() {
   std::error_code ignored;
   return std::filesystem::status("/sys/class/mdev_bus", ignored).type() !=
          std::filesystem::file_type::not_found;
+}
+
+void raiseOpenFileLimit() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= limit.rlim_max) return;
+  limit.rlim_cur = limit.rlim_max;
+  static_cast<void>(::setrlimit(RLIMIT_NOFILE, &limit));
 }
 
 std::optional<std::string> readWholeFile(const char* path) {

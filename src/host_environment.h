@@ -10,6 +10,10 @@ namespace tolk {
 /// changed under a guest.
 bool hostHasMdevBus();
 
+/// Lets this process have as many files open as it may allow itself. Each vGPU takes two, and a shell's limit
+/// of 1024 ends at some 500 of them. Where the limit cannot be raised it stays as it is.
+void raiseOpenFileLimit();
+
 /// The text of a small file, cut where it is longer than such a file can be; nothing when it cannot be
 /// opened.
 std::optional<std::string> readWholeFile(const char* path);

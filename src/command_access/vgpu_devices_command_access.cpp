@@ -8,6 +8,7 @@
 #include "command_access/value_text.h"
 #include "command_error.h"
 #include "common_define.h"
+#include "host_environment.h"
 
 namespace tolk {
 
@@ -23,6 +24,7 @@ constexpr unsigned long long kIdentifiersPerDevice = 10'000;
 std::shared_ptr<Step> VgpuDevicesCommandAccess::work() {
   startLog();
   TOLK_LOG(kTrace);
+  raiseOpenFileLimit();
   if (auto failure = startLibrary()) return failure;
   std::uint32_t count = 0;
   if (auto failure = countDevices(kWording, count)) return failure;

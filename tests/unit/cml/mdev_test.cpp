@@ -135,7 +135,7 @@ TEST_F(MdevTest, CountThatIsNoNumberIsAFailedRead) {
 TEST_F(MdevTest, FileThatNeverEndsIsAFailedRead) {
   carrier(kFirst);
   type(kFirst, "11");
-  file(typeFolder(kFirst, "11") + "/description", std::string((1 << 20) + 1, 'x'));
+  file(typeFolder(kFirst, "11") + "/description", std::string((64 << 10) + 1, ','));
   EXPECT_EQ(MdevPhysical(kFirst).findType("11").value().readInfo().state(), KelpReturn::kReadFailed);
 }
 

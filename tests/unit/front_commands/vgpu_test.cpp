@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+
 #include <nlohmann/json.hpp>
 
 #include "command_access/vgpu_command_access.h"
@@ -89,6 +91,20 @@ TEST_F(VgpuTest, VgpuIsAskedNeitherForItsNameNorForItsIndex) {
   EXPECT_THAT(fakeLumo().lines, Contains("lumoGpuGetGuestUtilization(gpu 0)"));
   EXPECT_THAT(fakeLumo().lines, Each(Not(HasSubstr("lumoDeviceGetName("))));
   EXPECT_THAT(fakeLumo().lines, Each(Not(HasSubstr("lumoDeviceGetIndex("))));
+}
+
+TEST_F(VgpuTest, MayOpenAsManyFilesAsTheProcessCanAllowItself) {
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  for (const auto* option : kForms) {
+    const rlimit low{.rlim_cur = 64, .rlim_max = before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
+    form(option)->work();
+    rlimit now{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &now), 0);
+    EXPECT_EQ(now.rlim_cur, before.rlim_max) << option;
+  }
+  EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
 }
 
 TEST_F(VgpuTest, TypeOfWhichTheMostIsNotKnownHasNoDescription) {

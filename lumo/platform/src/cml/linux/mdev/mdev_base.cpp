@@ -5,6 +5,13 @@
 #include "rusk/text.h"
 
 namespace kelp::linux_ {
+namespace {
+
+/// An attribute is a page at most, and no machine has larger pages. A description that goes on and on would
+/// hold up the start of every command, since each of its options is looked at.
+constexpr std::size_t kLongestAttribute = 64 << 10;
+
+}  // namespace
 
 std::string_view MdevBase::getName() const {
   return std::string_view(path_).substr(path_.rfind('/') + 1);
@@ -25,6 +32,10 @@ int MdevBase::iterEntries(const std::string& path, const std::function<void(cons
 Stated<std::string> MdevBase::readText(const char* file) const {
   std::string text;
   if (FsHelper::read(path_ + file, text) < 0) {
+    return KelpReturn::kReadFailed;
+  }
+  if (text.size() > kLongestAttribute) {
+    KELP_LOG(kError) << "Read text file:" << path_ + file << ", longer than an attribute";
     return KelpReturn::kReadFailed;
   }
   return std::string(rusk::trim(text));
