@@ -103,7 +103,8 @@ bool becomeSupervised(int parent) {
 
 // The supervisor appends to it from this process.
 void checkTrace(const std::string& path) {
-  if (!path.empty() && !std::ofstream(path, std::ios::app)) throw HostError("cannot write the trace: " + path);
+  if (!path.empty() && !std::ofstream(path, std::ios::app))
+    throw HostError("cannot write the trace: " + path);
 }
 
 int pidfdOf(pid_t process) {
@@ -113,7 +114,8 @@ int pidfdOf(pid_t process) {
 void supervise(int child, int pidfd) {
   Listener listener;
   const char* missing = nullptr;
-  if (read(child, &listener, sizeof listener) != static_cast<ssize_t>(sizeof listener) || listener.error != 0) {
+  if (read(child, &listener, sizeof listener) != static_cast<ssize_t>(sizeof listener) ||
+      listener.error != 0) {
     missing = "the kernel has no seccomp user notification for it";
     errno = listener.error;
   } else {
@@ -169,7 +171,8 @@ int runCommand(const Installation& parts, const HostFolder& folder, const Comman
                                        .trace = setting.traceFile.c_str(),
                                        .user = setting.user.empty() ? nullptr : setting.user.c_str()};
     supervisorOpen(&supervisor);
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0) throw TierError(std::strerror(errno));
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets) != 0)
+      throw TierError(std::strerror(errno));
   }
   // Until the child is known, signals wait. Those of the keyboard reach the command by themselves.
   sigset_t blocked;

@@ -31,10 +31,11 @@ int main(int count, char** arguments) {
   }
   if (!seesHost(token)) {
     const char* const preload = getenv("LD_PRELOAD");
-    fprintf(stderr,
-            "ovgpu-sim: the simulated host is not seen through %s, so the command is not started: it would run on"
-            " this machine itself\n",
-            preload && strstr(preload, "libovgpu_sim.so") ? "libovgpu_sim.so" : "the kernel");
+    fprintf(
+        stderr,
+        "ovgpu-sim: the simulated host is not seen through %s, so the command is not started: it would run on"
+        " this machine itself\n",
+        preload && strstr(preload, "libovgpu_sim.so") ? "libovgpu_sim.so" : "the kernel");
     return kOwnError;
   }
   unsetenv("OVGPU_SIM_CANARY");

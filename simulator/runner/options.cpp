@@ -45,9 +45,9 @@ std::string_view optionsHelp() {
 
 Options parseOptions(const std::vector<std::string>& arguments) {
   Options options;
-  static const std::vector<std::string_view> kKnown{"--host",       "--state",      "--fault", "--trace",
-                                                    "--unexpected", "--user",       "--tier",  "--list-hosts",
-                                                    "--help"};
+  static const std::vector<std::string_view> kKnown{"--host",  "--state",      "--fault",
+                                                    "--trace", "--unexpected", "--user",
+                                                    "--tier",  "--list-hosts", "--help"};
   std::optional<std::string> tier;
   const auto placeOf = [&](std::string_view name) -> std::optional<std::string>* {
     if (name == "--host") return &options.host;

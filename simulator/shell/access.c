@@ -103,7 +103,8 @@ static int closeIfGone(const Access* access, int fd) {
 static int copyUpTo(int from, int to, int64_t size) {
   char part[4096];
   while (size > 0) {
-    const ssize_t got = syscall(SYS_read, from, part, size < (int64_t)sizeof part ? (size_t)size : sizeof part);
+    const ssize_t got =
+        syscall(SYS_read, from, part, size < (int64_t)sizeof part ? (size_t)size : sizeof part);
     if (got <= 0) return (int)got;
     if (write(to, part, (size_t)got) != got) return -1;
     size -= got;

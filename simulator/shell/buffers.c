@@ -128,4 +128,3 @@ int mappingBuffer(uint64_t held, size_t size, int64_t from) {
   errno = EINVAL;
   return -1;
 }
-

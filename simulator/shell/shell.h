@@ -1,9 +1,9 @@
 // What all ways to show a host to a program share: the host's image and tree, one access of a file, one call
 // on a node. It runs in the program that looks (preload) or in one beside it (supervisor).
 //
-// Files of the shell's own are opened straight by the kernel's calls, past what a preloaded library interposes.
-// There is no table of descriptors: a node is told by the file behind the descriptor, which stays right over
-// dup, fork and close.
+// Files of the shell's own are opened straight by the kernel's calls, past what a preloaded library
+// interposes. There is no table of descriptors: a node is told by the file behind the descriptor, which stays
+// right over dup, fork and close.
 #ifndef SHELL_H
 #define SHELL_H
 

@@ -12,7 +12,7 @@
 
 typedef struct Asked {
   struct seccomp_notif notif;
-  char later[192];     // what kernels to come may add
+  char later[192];  // what kernels to come may add
   int isAnswered;
   jmp_buf whenKilled;  // where to go on when a fault has killed the caller
 } Asked;

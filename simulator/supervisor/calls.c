@@ -197,12 +197,18 @@ static const struct {
   long number;
   void (*answer)(Asked* asked);
 } answers[] = {
-    {SYS_ioctl, answerIoctl},         {SYS_clock_gettime, answerClock},
-    {SYS_close, answerClose},         {SYS_read, answerRead},
-    {SYS_mmap, answerMap},            {SYS_munmap, answerUnmap},
-    {SYS_getcwd, answerFolder},       {SYS_geteuid, answerUser},
-    {SYS_gettimeofday, answerTimeOfDay}, {SYS_time, answerTime},
-    {SYS_execve, answerExec},         {SYS_execveat, answerExec},
+    {SYS_ioctl, answerIoctl},
+    {SYS_clock_gettime, answerClock},
+    {SYS_close, answerClose},
+    {SYS_read, answerRead},
+    {SYS_mmap, answerMap},
+    {SYS_munmap, answerUnmap},
+    {SYS_getcwd, answerFolder},
+    {SYS_geteuid, answerUser},
+    {SYS_gettimeofday, answerTimeOfDay},
+    {SYS_time, answerTime},
+    {SYS_execve, answerExec},
+    {SYS_execveat, answerExec},
 };
 
 void answerOther(Asked* asked) {

@@ -53,7 +53,8 @@ static long runStatAt(Asked* asked, const Access* access) {
 
 static long runStatx(Asked* asked, const Access* access) {
   struct statx status;
-  if (syscall(SYS_statx, AT_FDCWD, access->host, flagsAt(asked, 2), flagsAt(asked, 3), &status) != 0) return -1;
+  if (syscall(SYS_statx, AT_FDCWD, access->host, flagsAt(asked, 2), flagsAt(asked, 3), &status) != 0)
+    return -1;
   accessPatchStatx(access, &status);
   return copied(asked, 4, &status, sizeof status);
 }

@@ -40,9 +40,10 @@ static void always(Program* program, int number, uint32_t verdict) {
   end(program, verdict);
 }
 
-// Stops the call if its argument, with the mask, is one of the two; or, if `compare` says so, not below the first.
-static void when(Program* program, int number, int argument, uint32_t mask, unsigned short compare, uint32_t one,
-                 uint32_t other) {
+// Stops the call if its argument, with the mask, is one of the two; or, if `compare` says so, not below the
+// first.
+static void when(Program* program, int number, int argument, uint32_t mask, unsigned short compare,
+                 uint32_t one, uint32_t other) {
   add(program, BPF_JMP | BPF_JEQ | BPF_K, (uint32_t)number, 0, 6);
   load(program, offsetof(struct seccomp_data, args) + 8 * (size_t)argument);
   add(program, BPF_ALU | BPF_AND | BPF_K, mask, 0, 0);
@@ -59,10 +60,10 @@ static void unlessByDescriptor(Program* program, int number, int flagsAt) {
 
 static void compose(Program* program, const Watching* watching) {
   static const int kStopped[] = {
-      SYS_open,      SYS_openat,   SYS_stat,     SYS_lstat,     SYS_access,    SYS_faccessat, SYS_faccessat2,
-      SYS_readlink,  SYS_readlinkat, SYS_statfs, SYS_getxattr,  SYS_lgetxattr, SYS_listxattr, SYS_llistxattr,
-      SYS_unlink,    SYS_unlinkat, SYS_rmdir,    SYS_mkdir,     SYS_mkdirat,   SYS_rename,    SYS_renameat,
-      SYS_renameat2, SYS_chdir,    SYS_getcwd,   SYS_creat,
+      SYS_open,      SYS_openat,     SYS_stat,   SYS_lstat,    SYS_access,    SYS_faccessat, SYS_faccessat2,
+      SYS_readlink,  SYS_readlinkat, SYS_statfs, SYS_getxattr, SYS_lgetxattr, SYS_listxattr, SYS_llistxattr,
+      SYS_unlink,    SYS_unlinkat,   SYS_rmdir,  SYS_mkdir,    SYS_mkdirat,   SYS_rename,    SYS_renameat,
+      SYS_renameat2, SYS_chdir,      SYS_getcwd, SYS_creat,
   };
   // Ways around the others. Programs that try them fall back when they are not there.
   static const int kAbsent[] = {SYS_openat2, SYS_io_uring_setup};

@@ -1,5 +1,5 @@
-// What a program can only do itself: changing its folder, mapping memory, becoming another program. The caller
-// is traced for as long as it takes.
+// What a program can only do itself: changing its folder, mapping memory, becoming another program. The
+// caller is traced for as long as it takes.
 #include <elf.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -23,8 +23,8 @@ static int isPtraceError(long result) {
   return result != 0;
 }
 
-// The next stop of a thread that this one holds; 0, or kGone when it has ended. Its end is left for its parent
-// to hear of.
+// The next stop of a thread that this one holds; 0, or kGone when it has ended. Its end is left for its
+// parent to hear of.
 static int waitForStop(siginfo_t* news) {
   while (waitid(P_ALL, 0, news, WEXITED | WSTOPPED | WNOWAIT | __WALL | __WNOTHREAD) != 0) {
     if (errno != EINTR) return kGone;
@@ -35,7 +35,8 @@ static int waitForStop(siginfo_t* news) {
 // ---- calls by the caller
 
 // Runs one call in a thread that stands behind a call of its own. kGone when the thread is.
-static int runThere(pid_t thread, const Registers* before, long number, const uint64_t a[6], int64_t* result) {
+static int runThere(pid_t thread, const Registers* before, long number, const uint64_t a[6],
+                    int64_t* result) {
   siginfo_t news;
   Registers registers = *before;
   registers.rip -= kSyscallSize;

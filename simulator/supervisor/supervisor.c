@@ -162,8 +162,7 @@ void answerWithFd(Asked* asked, int fd, int flags, int from) {
 }
 
 int giveFd(const Asked* asked, int fd) {
-  struct seccomp_notif_addfd given = {
-      .id = asked->notif.id, .srcfd = (uint32_t)fd, .newfd_flags = O_CLOEXEC};
+  struct seccomp_notif_addfd given = {.id = asked->notif.id, .srcfd = (uint32_t)fd, .newfd_flags = O_CLOEXEC};
   return ioctl(listener, SECCOMP_IOCTL_NOTIF_ADDFD, &given);
 }
 

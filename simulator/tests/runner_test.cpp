@@ -50,6 +50,8 @@ TEST_F(SimRunner, OwnErrorsAreStatusTwoAndSayWhatIsWrong) {
       {{"--host"}, "ovgpu-sim: --host needs a value\n"},
       {{"--host", "a", "--host", "b", "--", "true"}, "ovgpu-sim: --host is given twice\n"},
       {{"--user", "root", "--", "true"}, "ovgpu-sim: --user needs a number; found \"root\"\n"},
+      {{"--tier", "kernel", "--", "true"},
+       "ovgpu-sim: --tier must be preload or seccomp; found \"kernel\"\n"},
       {{"--fault", "ioctl:errno=X", "--", "true"},
        "ovgpu-sim: fault \"ioctl:errno=X\": unknown errno \"X\"; one such as EIO is expected\n"},
       {{"--trace", "/no/such/folder/trace", "--", "true"},

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 
 #include "simulator_process.h"
 
@@ -398,6 +400,89 @@ TEST_P(SimHost, TraceHasOneLineForEachAccess) {
   EXPECT_EQ(count("open /sys/none ENOENT"), 1);
   EXPECT_EQ(count("ioctl ovgpu.0 record 67 0 ok"), 201);
   EXPECT_EQ(count("ioctl ovgpu.1 record 67 0 status=7"), 1);
+}
+
+TEST_P(SimHost, WhoIsDelayedDelaysNobodyElse) {
+  const auto before = std::chrono::steady_clock::now();
+  const std::string ask = calls + " status ovgpu.0 67 0 20 & ";
+  const Outcome outcome = onHost("bare", {"--fault", "ioctl(interface=67):hang=400"},
+                                 {"sh", "-c", ask + ask + ask + ask + "wait"});
+  EXPECT_EQ(linesOf(outcome.out).size(), 4u) << outcome.error;
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(1200));
+}
+
+TEST_P(SimHost, EveryProgramIsToldTheTime) {
+  const std::string script = scratch.write("script", "date -u +%s\n");
+  std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+  EXPECT_EQ(
+      onHost("bare", {}, {"sh", "-c", script + "; nothing-of-this-name; (date -u +%s); exec date -u +%s"})
+          .out,
+      "1763660412\n1763660412\n1763660412\n");
+}
+
+TEST_P(SimHost, UserIsToldToEveryProgram) {
+  EXPECT_EQ(onHost("bare", {"--user", "1000"}, {"id", "-u"}).out, "1000\n");
+}
+
+TEST_P(SimHost, FolderIsWhereTheOtherTierLeftIt) {
+  const std::string folder = scratch / "kept";
+  const std::string other = GetParam() == "preload" ? "seccomp" : "preload";
+  EXPECT_EQ(onHost("bare", {"--state", folder}, {calls, "set-ecc", "ovgpu.1", "1"}).status, 0);
+  const Outcome outcome =
+      runSimulator({"--tier", other, "--state", folder, "--", calls, "status", "ovgpu.1", "48", "1", "21"});
+  if (outcome.status == 77) GTEST_SKIP() << outcome.error;
+  EXPECT_TRUE(outcome.out.starts_with("ok 0 00 00 00 00 01")) << outcome.out << outcome.error;
+}
+
+TEST_P(SimHost, ProcessesAndThreadsLoseNoCall) {
+  const std::string folder = scratch / "kept";
+  const std::string many = calls + " many ovgpu.0 100 4 & ";
+  const Outcome outcome = onHost("bare", {"--state", folder, "--fault", "ioctl#1600:errno=EIO"},
+                                 {"sh", "-c", many + many + many + many + "wait"});
+  EXPECT_EQ(outcome.status, 0) << outcome.error;
+  int failures = 0;
+  for (const std::string& line : linesOf(outcome.out)) failures += std::stoi(line);
+  EXPECT_EQ(failures, 1) << "the last of 1600 calls alone failed";
+}
+
+TEST_P(SimHost, TraceThatCannotBeWrittenIsAnError) {
+  const Outcome outcome = onHost("bare", {"--trace", "/no/such/folder/trace"}, {"true"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.error.find("cannot write the trace: /no/such/folder/trace"), std::string::npos)
+      << outcome.error;
+}
+
+// ---- what the kernel alone can show
+
+class SimSeccomp : public testing::Test {
+ protected:
+  Outcome run(std::vector<std::string> command) {
+    std::vector<std::string> all{"--tier", "seccomp", "--"};
+    all.insert(all.end(), command.begin(), command.end());
+    return runSimulator(all);
+  }
+
+  void SetUp() override {
+    const Outcome outcome = run({"true"});
+    if (outcome.status == 77) GTEST_SKIP() << outcome.error;
+  }
+};
+
+TEST_F(SimSeccomp, StaticProgramsSeeTheHost) {
+  for (const char* const name : {"sim_files_probe_static", "sim_static_probe"}) {
+    const Outcome outcome = run({probe(name)});
+    EXPECT_EQ(outcome.status, 0) << name << "\n" << outcome.out << outcome.error;
+  }
+}
+
+TEST_F(SimSeccomp, TierThatCannotBeUsedSaysWhy) {
+  // The kernel lets a process have one supervisor.
+  const Outcome outcome = run({std::string(SIM_FOLDER) + "/ovgpu-sim", "--tier", "seccomp", "--", "true"});
+  EXPECT_EQ(outcome.status, 77);
+  EXPECT_EQ(
+      outcome.error,
+      "ovgpu-sim: the tier \"seccomp\" cannot be used here: the kernel has no seccomp user notification "
+      "for it: Device or resource busy\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Tiers, SimHost, testing::Values("preload", "seccomp"),
