@@ -94,7 +94,7 @@ class RecordingDriver : public rusk::SyscallWrapper {
   std::size_t mapped_ = 0;
 };
 
-/// One session; `interfaceAt` becomes where its interface begins.
+/// One round of questions; `interfaceAt` becomes where that of the interface begins.
 Bytes ask(const Bytes& choices, std::size_t& interfaceAt) {
   Bytes record;
   tolk_fuzz::FuzzInput input(choices.data(), choices.size());
@@ -130,9 +130,9 @@ int main(int count, char** arguments) {
     if (way == kRenderWay) choices.push_back(2);
     choices.insert(choices.end(), {static_cast<std::uint8_t>(first + i), 0});
     std::size_t interfaceAt = 0;
-    const Bytes session = ask(choices, interfaceAt);
-    file.insert(file.end(), session.begin() + (file.empty() ? 0 : static_cast<std::ptrdiff_t>(interfaceAt)),
-                session.end());
+    const Bytes round = ask(choices, interfaceAt);
+    file.insert(file.end(), round.begin() + (file.empty() ? 0 : static_cast<std::ptrdiff_t>(interfaceAt)),
+                round.end());
   }
   std::fwrite(file.data(), 1, file.size(), stdout);
   return 0;
