@@ -186,9 +186,10 @@ int runCommand(const Installation& parts, const HostFolder& folder, const Comman
     startChild(parts, folder, setting, command, before, sockets[1]);
   }
   childPid = child;
-  const int pidfd = pidfdOf(child);
+  int pidfd = -1;
   if (sockets[0] >= 0) {
     close(sockets[1]);
+    pidfd = pidfdOf(child);
     // Threads that begin here take no signals.
     supervise(sockets[0], pidfd);
   }
@@ -199,7 +200,7 @@ int runCommand(const Installation& parts, const HostFolder& folder, const Comman
   for (const int number : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) sigaction(number, &action, nullptr);
   sigprocmask(SIG_SETMASK, &before, nullptr);
 
-  if (setting.tier == Tier::kSeccomp) waitForEnd(pidfd);
+  if (pidfd >= 0) waitForEnd(pidfd);
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }

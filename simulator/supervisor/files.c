@@ -256,6 +256,8 @@ static void answerPath(Asked* asked, const PathCall* call) {
     answerByKernel(asked);
     return;
   }
+  // One that was killed while it waited does nothing any more.
+  if (access.fault.hangMs && !askedIsValid(asked)) return;
   const long result = access.fault.error ? accessFail(&access) : call->run(asked, &access);
   const int error = result < 0 ? errno : 0;
   accessEnd(&access, result < 0);
