@@ -56,7 +56,7 @@ if(TARGET ovgpu-sim)
       set(place "${CMAKE_CURRENT_SOURCE_DIR}/hosts/${host}.json")
     endif()
     add_test(NAME library.${test}
-      COMMAND ovgpu-sim --host ${place} -- $<TARGET_FILE:library_tests> "--gtest_filter=${filter}")
+      COMMAND "${tolk_simulator}" --host ${place} -- $<TARGET_FILE:library_tests> "--gtest_filter=${filter}")
     set_tests_properties(library.${test} PROPERTIES LABELS "${ARGN}" TIMEOUT 120)
   endfunction()
   library_host_test(bare bare "BareHost*" library)
@@ -92,7 +92,7 @@ if(TARGET ovgpu-sim)
     set_tests_properties(library.server library.vgpu_threads PROPERTIES ENVIRONMENT LUMO_TEST_SECONDS=2)
   endif()
 
-  add_test(NAME library.plain_c COMMAND ovgpu-sim --host bare -- $<TARGET_FILE:library_plain_c_test>)
+  add_test(NAME library.plain_c COMMAND "${tolk_simulator}" --host bare -- $<TARGET_FILE:library_plain_c_test>)
   set_tests_properties(library.plain_c PROPERTIES LABELS library TIMEOUT 120)
 
   # What every function is tested for.
@@ -104,7 +104,7 @@ if(TARGET ovgpu-sim)
   # What drivers of several ages make of the same GPUs.
   add_test(NAME library.across_drivers
     COMMAND Python3::Interpreter -IS "${CMAKE_CURRENT_SOURCE_DIR}/across_drivers.py"
-      --simulator $<TARGET_FILE:ovgpu-sim> --host "${CMAKE_CURRENT_SOURCE_DIR}/hosts/ages.json"
+      --simulator ${tolk_simulator} --host "${CMAKE_CURRENT_SOURCE_DIR}/hosts/ages.json"
       --table "${CMAKE_CURRENT_SOURCE_DIR}/across_drivers.txt" $<TARGET_FILE:library_answers>)
   set_tests_properties(library.across_drivers PROPERTIES LABELS library TIMEOUT 120)
 
@@ -113,7 +113,7 @@ if(TARGET ovgpu-sim)
   foreach(host bare guest mpc vgpu-host)
     add_test(NAME library.faults_${host}
       COMMAND Python3::Interpreter -IS "${CMAKE_CURRENT_SOURCE_DIR}/fault_walk.py"
-        --simulator $<TARGET_FILE:ovgpu-sim> --host ${host} --ways ${ways} $<TARGET_FILE:library_walk>)
+        --simulator ${tolk_simulator} --host ${host} --ways ${ways} $<TARGET_FILE:library_walk>)
     set_tests_properties(library.faults_${host} PROPERTIES LABELS library TIMEOUT 900)
   endforeach()
 endif()
