@@ -3,7 +3,6 @@
 
 usage: order.py --tool FILE --simulator FILE
 """
-import argparse
 import pathlib
 import sys
 import tempfile
@@ -79,11 +78,7 @@ def check(happened, own, change):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--simulator", required=True)
-    given = parser.parse_args()
-    simulated = Simulated(given.tool, given.simulator)
+    simulated = Simulated.of_command_line()
     failures = []
     with tempfile.TemporaryDirectory(prefix="tolk-changes-") as name:
         for number, (host, command, own, change) in enumerate(CASES):

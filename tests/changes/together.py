@@ -3,7 +3,6 @@
 
 usage: together.py --tool FILE --simulator FILE
 """
-import argparse
 import pathlib
 import shlex
 import sys
@@ -58,11 +57,7 @@ def check(simulated, folder, commands):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--simulator", required=True)
-    given = parser.parse_args()
-    simulated = Simulated(given.tool, given.simulator)
+    simulated = Simulated.of_command_line()
     failures = []
     for commands in ROWS:
         with tempfile.TemporaryDirectory(prefix="tolk-changes-") as name:

@@ -3,7 +3,6 @@
 
 usage: counting.py --tool FILE --simulator FILE
 """
-import argparse
 import sys
 
 from offers import Simulated, ask
@@ -22,11 +21,7 @@ UNEXPECTED = {
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--simulator", required=True)
-    given = parser.parse_args()
-    simulated = Simulated(given.tool, given.simulator)
+    simulated = Simulated.of_command_line()
     failures = []
     for host, expected in UNEXPECTED.items():
         asked = ask(simulated, host, [SUMMARY], ["--fault", SILENT])

@@ -3,7 +3,6 @@
 
 usage: long_lists.py --tool FILE --simulator FILE
 """
-import argparse
 import concurrent.futures
 import json
 import pathlib
@@ -30,11 +29,7 @@ def listed(count):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--simulator", required=True)
-    given = parser.parse_args()
-    simulated = Simulated(given.tool, given.simulator)
+    simulated = Simulated.of_command_line()
     failures = []
     with tempfile.TemporaryDirectory(prefix="tolk-drivers-") as name:
         def list_gpus(count):

@@ -5,7 +5,6 @@ usage: modes.py --tool FILE --simulator FILE
 
 modes.txt tells what is expected.
 """
-import argparse
 import json
 import pathlib
 import shlex
@@ -62,11 +61,7 @@ def answer_of(run):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True)
-    parser.add_argument("--simulator", required=True)
-    given = parser.parse_args()
-    simulated = Simulated(given.tool, given.simulator)
+    simulated = Simulated.of_command_line()
     answers, rows = read_table(pathlib.Path(__file__).with_suffix(".txt"))
     lines = [shlex.split(command) if command != NO_ARGUMENTS else [] for command, _ in rows]
 

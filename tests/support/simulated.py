@@ -1,4 +1,5 @@
 """Runs the tool on simulated hosts that give it trouble, and judges what came of it."""
+import argparse
 import dataclasses
 import os
 import shlex
@@ -44,6 +45,15 @@ class Simulated:
         self.environment = {**os.environ, "TZ": "UTC", "LC_ALL": "C", "ASAN_OPTIONS": sanitizer,
                             "LSAN_OPTIONS": sanitizer, "TSAN_OPTIONS": sanitizer,
                             "UBSAN_OPTIONS": sanitizer + ":print_stacktrace=1"}
+
+    @classmethod
+    def of_command_line(cls):
+        """The programs that "--tool" and "--simulator" name, for a script with no other options."""
+        parser = argparse.ArgumentParser()
+        parser.add_argument("--tool", required=True)
+        parser.add_argument("--simulator", required=True)
+        given = parser.parse_args()
+        return cls(given.tool, given.simulator)
 
     def run(self, host, arguments, options=(), before="", after="", folder=None):
         """`before` and `after` are a shell's words around the tool's command."""
